@@ -1,0 +1,43 @@
+# The front door. `make demo` and `make test` are all that a newcomer needs.
+
+.PHONY: help setup demo test sanitize lint bench fuzz format
+
+help:
+	@echo "make demo      install what is missing, build, and run the sample app"
+	@echo "make test      the same set-up, then every test suite"
+	@echo "make lint      layers, formatting, clang's warnings, clang-tidy"
+	@echo "make sanitize  the tests under the address, undefined-behaviour and thread sanitizers"
+	@echo "make bench     the figures beside their rivals, also in build/bench/bench.json"
+	@echo "make fuzz      two minutes of fuzzing for each target"
+	@echo "make format    lay out the sources as .clang-format says"
+
+setup:
+	@tools/setup
+
+demo: setup
+	@tools/build dev storefront
+	@tools/demo
+
+test: setup
+	@tools/build dev
+	@ctest --preset dev --parallel $$(nproc)
+
+sanitize: setup
+	@tools/build asan-ubsan
+	@ctest --preset asan-ubsan --parallel $$(nproc)
+	@tools/build tsan
+	@ctest --preset tsan --parallel $$(nproc)
+
+lint: setup
+	@tools/lint
+
+bench: setup
+	@tools/build release
+	@tools/bench
+
+fuzz: setup
+	@tools/build fuzz fuzzers
+	@tools/fuzz
+
+format: setup
+	@git ls-files --cached --others --exclude-standard '*.cpp' '*.h' | xargs clang-format -i
