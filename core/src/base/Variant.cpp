@@ -1,0 +1,316 @@
+#include "VelmoraCore/Variant.h"
+
+#include <cmath>
+#include <limits>
+#include <type_traits>
+
+#include "VelmoraCore/ErrorCodes.h"
+#include "VelmoraCore/SdkError.h"
+
+namespace Velmora {
+namespace {
+
+// Where a variant whose last owner goes leaves its containers, while an outer one on the same
+// thread is being emptied. Nesting is unwound there instead of on the stack.
+thread_local VariantVector* containersToRelease = nullptr;
+
+bool IsContainer(const std::shared_ptr<Variant>& value) {
+  return value != nullptr && (value->GetKind() == VariantKind::VariantVector ||
+                              value->GetKind() == VariantKind::VariantMap);
+}
+
+std::shared_ptr<Variant>& ElementOf(std::shared_ptr<Variant>& element) { return element; }
+
+std::shared_ptr<Variant>& ElementOf(VariantMap::value_type& element) { return element.second; }
+
+template <class Container>
+void MoveContainers(Container& from, VariantVector& to) {
+  for (auto& element : from) {
+    if (IsContainer(ElementOf(element))) {
+      to.push_back(std::move(ElementOf(element)));
+    }
+  }
+}
+
+template <class Container>
+void ReleaseElements(Container& container) {
+  if (containersToRelease != nullptr) {
+    MoveContainers(container, *containersToRelease);
+    return;
+  }
+  VariantVector pending;
+  MoveContainers(container, pending);
+  containersToRelease = &pending;
+  while (!pending.empty()) {
+    const std::shared_ptr<Variant> released = std::move(pending.back());
+    pending.pop_back();
+  }
+  containersToRelease = nullptr;
+}
+
+const char* NameOf(VariantKind kind) {
+  switch (kind) {
+    case VariantKind::Null:
+      return "null";
+    case VariantKind::String:
+      return "string";
+    case VariantKind::Integer:
+      return "integer";
+    case VariantKind::Long:
+      return "long";
+    case VariantKind::Double:
+      return "double";
+    case VariantKind::Boolean:
+      return "boolean";
+    case VariantKind::VariantVector:
+      return "vector";
+    case VariantKind::VariantMap:
+      return "map";
+  }
+  return "unknown";
+}
+
+[[noreturn]] void ThrowWrongKind(VariantKind kind, const char* wanted, int line) {
+  throw SdkError(ErrorCodes::kVariantWrongKind,
+                 std::string("a ") + NameOf(kind) + " was read as a " + wanted,
+                 DebugInfo("src/base/Variant", line));
+}
+
+template <class Integer>
+Integer IntegerFromDouble(double value) {
+  constexpr Integer kLowest = std::numeric_limits<Integer>::min();
+  constexpr Integer kHighest = std::numeric_limits<Integer>::max();
+  // The lowest value is a power of two and its negative is one beyond the highest, so that both
+  // bounds are exact as doubles.
+  constexpr auto kLowerBound = static_cast<double>(kLowest);
+  if (std::isnan(value)) {
+    return 0;
+  }
+  if (value <= kLowerBound) {
+    return kLowest;
+  }
+  if (value >= -kLowerBound) {
+    return kHighest;
+  }
+  return static_cast<Integer>(value);
+}
+
+std::int32_t NarrowInteger(std::int64_t value) {
+  if (value < std::numeric_limits<std::int32_t>::min()) {
+    return std::numeric_limits<std::int32_t>::min();
+  }
+  if (value > std::numeric_limits<std::int32_t>::max()) {
+    return std::numeric_limits<std::int32_t>::max();
+  }
+  return static_cast<std::int32_t>(value);
+}
+
+using PairsToCompare = std::vector<std::pair<const Variant*, const Variant*>>;
+
+// Notes two elements for later. False when they differ because one of them is no value.
+bool AddPair(const std::shared_ptr<Variant>& left, const std::shared_ptr<Variant>& right,
+             PairsToCompare& pairs) {
+  if (left == nullptr || right == nullptr) {
+    return left == right;
+  }
+  if (left != right) {
+    pairs.emplace_back(left.get(), right.get());
+  }
+  return true;
+}
+
+bool AddPairs(const VariantVector& left, const VariantVector& right, PairsToCompare& pairs) {
+  if (left.size() != right.size()) {
+    return false;
+  }
+  for (std::size_t index = 0; index < left.size(); ++index) {
+    if (!AddPair(left[index], right[index], pairs)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool AddPairs(const VariantMap& left, const VariantMap& right, PairsToCompare& pairs) {
+  if (left.size() != right.size()) {
+    return false;
+  }
+  auto other = right.begin();
+  for (const auto& [key, value] : left) {
+    if (key != other->first || !AddPair(value, other->second, pairs)) {
+      return false;
+    }
+    ++other;
+  }
+  return true;
+}
+
+bool AreDoublesEqual(double left, double right) {
+  return left == right || (std::isnan(left) && std::isnan(right));
+}
+
+// Compares what lies in the two variants themselves and notes their elements for later.
+bool CompareShallow(const Variant& left, const Variant& right, PairsToCompare& pairs) {
+  if (left.GetKind() != right.GetKind()) {
+    return false;
+  }
+  switch (left.GetKind()) {
+    case VariantKind::Null:
+      return true;
+    case VariantKind::String:
+      return left.GetString() == right.GetString();
+    case VariantKind::Integer:
+    case VariantKind::Long:
+      return left.GetLong() == right.GetLong();
+    case VariantKind::Double:
+      return AreDoublesEqual(left.GetDouble(), right.GetDouble());
+    case VariantKind::Boolean:
+      return left.GetBoolean() == right.GetBoolean();
+    case VariantKind::VariantVector:
+      return AddPairs(left.GetVariantVector(), right.GetVariantVector(), pairs);
+    case VariantKind::VariantMap:
+      return AddPairs(left.GetVariantMap(), right.GetVariantMap(), pairs);
+  }
+  return false;
+}
+
+}  // namespace
+
+std::shared_ptr<Variant> Variant::FromString(std::string text) {
+  return std::make_shared<Variant>(Key(), std::move(text));
+}
+
+std::shared_ptr<Variant> Variant::FromInteger(int value) {
+  return std::make_shared<Variant>(Key(), std::int32_t{value});
+}
+
+std::shared_ptr<Variant> Variant::FromLong(long long value) {
+  return std::make_shared<Variant>(Key(), std::int64_t{value});
+}
+
+std::shared_ptr<Variant> Variant::FromDouble(double value) {
+  return std::make_shared<Variant>(Key(), value);
+}
+
+std::shared_ptr<Variant> Variant::FromBoolean(bool value) {
+  return std::make_shared<Variant>(Key(), value);
+}
+
+std::shared_ptr<Variant> Variant::FromNull() {
+  return std::make_shared<Variant>(Key(), std::monostate());
+}
+
+std::shared_ptr<Variant> Variant::FromVariantVector(VariantVector values) {
+  return std::make_shared<Variant>(Key(), std::move(values));
+}
+
+std::shared_ptr<Variant> Variant::FromVariantMap(VariantMap values) {
+  return std::make_shared<Variant>(Key(), std::move(values));
+}
+
+Variant::~Variant() {
+  if (auto* values = std::get_if<VariantVector>(&storage_)) {
+    ReleaseElements(*values);
+  } else if (auto* members = std::get_if<VariantMap>(&storage_)) {
+    ReleaseElements(*members);
+  }
+}
+
+VariantKind Variant::GetKind() const {
+  static_assert(
+      std::is_same_v<
+          std::variant_alternative_t<static_cast<std::size_t>(VariantKind::VariantMap), Storage>,
+          VariantMap>,
+      "the alternatives stand in the order of the kinds");
+  return static_cast<VariantKind>(storage_.index());
+}
+
+bool Variant::IsNumericKind() const {
+  const VariantKind kind = GetKind();
+  return kind == VariantKind::Integer || kind == VariantKind::Long || kind == VariantKind::Double;
+}
+
+const std::string& Variant::GetString() const {
+  if (const auto* text = std::get_if<std::string>(&storage_)) {
+    return *text;
+  }
+  ThrowWrongKind(GetKind(), "string", __LINE__);
+}
+
+std::int32_t Variant::GetInteger() const {
+  if (const auto* integer = std::get_if<std::int32_t>(&storage_)) {
+    return *integer;
+  }
+  if (const auto* integer = std::get_if<std::int64_t>(&storage_)) {
+    return NarrowInteger(*integer);
+  }
+  if (const auto* number = std::get_if<double>(&storage_)) {
+    return IntegerFromDouble<std::int32_t>(*number);
+  }
+  ThrowWrongKind(GetKind(), "number", __LINE__);
+}
+
+std::int64_t Variant::GetLong() const {
+  if (const auto* integer = std::get_if<std::int32_t>(&storage_)) {
+    return *integer;
+  }
+  if (const auto* integer = std::get_if<std::int64_t>(&storage_)) {
+    return *integer;
+  }
+  if (const auto* number = std::get_if<double>(&storage_)) {
+    return IntegerFromDouble<std::int64_t>(*number);
+  }
+  ThrowWrongKind(GetKind(), "number", __LINE__);
+}
+
+double Variant::GetDouble() const {
+  if (const auto* number = std::get_if<double>(&storage_)) {
+    return *number;
+  }
+  if (const auto* integer = std::get_if<std::int32_t>(&storage_)) {
+    return *integer;
+  }
+  if (const auto* integer = std::get_if<std::int64_t>(&storage_)) {
+    return static_cast<double>(*integer);
+  }
+  ThrowWrongKind(GetKind(), "number", __LINE__);
+}
+
+bool Variant::GetBoolean() const {
+  if (const auto* boolean = std::get_if<bool>(&storage_)) {
+    return *boolean;
+  }
+  ThrowWrongKind(GetKind(), "boolean", __LINE__);
+}
+
+const VariantVector& Variant::GetVariantVector() const {
+  if (const auto* values = std::get_if<VariantVector>(&storage_)) {
+    return *values;
+  }
+  ThrowWrongKind(GetKind(), "vector", __LINE__);
+}
+
+const VariantMap& Variant::GetVariantMap() const {
+  if (const auto* values = std::get_if<VariantMap>(&storage_)) {
+    return *values;
+  }
+  ThrowWrongKind(GetKind(), "map", __LINE__);
+}
+
+bool Variant::AreEqual(const std::shared_ptr<Variant>& left,
+                       const std::shared_ptr<Variant>& right) {
+  PairsToCompare pairs;
+  if (!AddPair(left, right, pairs)) {
+    return false;
+  }
+  while (!pairs.empty()) {
+    const auto [leftValue, rightValue] = pairs.back();
+    pairs.pop_back();
+    if (!CompareShallow(*leftValue, *rightValue, pairs)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace Velmora

@@ -1,0 +1,374 @@
+#include "hub/EventHub.h"
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+#include "VelmoraCore/ErrorCodes.h"
+#include "VelmoraCore/EventNames.h"
+#include "VelmoraCore/Log.h"
+#include "VelmoraCore/TryCatch.h"
+#include "base/LeftoverThreads.h"
+#include "hub/EventRules.h"
+
+namespace Velmora {
+namespace {
+
+constexpr const char* kLogTag = "EventHub";
+constexpr const char* kSourceLocation = "src/hub/EventHub";
+constexpr const char* kHubThreadName = "VelmoraEventHub";
+constexpr const char* kCallbackThreadName = "VelmoraCallback";
+
+std::chrono::steady_clock::time_point DeadlineAfter(std::chrono::milliseconds timeout) {
+  // Longer waits could not be told apart, and would overflow the clock.
+  constexpr std::chrono::milliseconds kLongest = std::chrono::hours(24);
+  return std::chrono::steady_clock::now() +
+         std::clamp(timeout, std::chrono::milliseconds::zero(), kLongest);
+}
+
+// An event's name is anybody's text; a log line is one line.
+std::string Readable(const std::string& text) {
+  std::string readable = text.substr(0, EventRules::kMaxNameLength);
+  std::replace_if(
+      readable.begin(), readable.end(),
+      [](char byte) { return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F; }, '?');
+  return readable;
+}
+
+void TraceEvent(const Event& event) {
+  if (!Log::Precheck(LoggingMode::Trace)) return;
+  Log::Trace(kLogTag, "event %lld: type %s, source %s, name \"%s\"",
+             static_cast<long long>(event.GetNumber()), event.GetType().c_str(),
+             event.GetSource().c_str(), Readable(event.GetName()).c_str());
+}
+
+SdkError Disposed(int line) {
+  return {ErrorCodes::kEventHubDisposed, "the event hub has been disposed",
+          DebugInfo(kSourceLocation, line)};
+}
+
+void CallGuarded(const std::function<void()>& callback) {
+  TryCatch(callback,
+           [](SdkError& error) { Log::Error(kLogTag, "a callback failed: %s", error.what()); });
+}
+
+void CallModule(const std::string& name, const Event& event, const std::function<void()>& call) {
+  TryCatch(call, [&](SdkError& error) {
+    Log::Error(kLogTag, "module %s: event %lld failed: %s", name.c_str(),
+               static_cast<long long>(event.GetNumber()), error.what());
+  });
+}
+
+std::string NameOf(ExternalModuleInterface& module) {
+  std::string name;
+  TryCatch([&] { name = module.GetModuleName(); },
+           [](SdkError& error) {
+             Log::Error(kLogTag, "a module could not tell its name: %s", error.what());
+           });
+  return name;
+}
+
+void TraceModule(ExternalModuleInterface& module, const std::string& name) {
+  if (!Log::Precheck(LoggingMode::Trace)) return;
+  TrySwallow([&] {
+    Log::Trace(kLogTag, "module %s, version %s, joins", name.c_str(),
+               Readable(module.GetModuleVersion()).c_str());
+  });
+}
+
+}  // namespace
+
+class EventHub::ModuleContext final : public HubContext {
+ public:
+  ModuleContext(EventHub& hub, std::string name) : hub_(hub), name_(std::move(name)) {}
+
+  void Listen(const std::string& type, const std::string& source, Handler handler) override {
+    hub_.ownListeners_[ExternalModuleHost::Topic(type, source)].push_back(
+        {name_, std::move(handler)});
+  }
+  void Dispatch(std::shared_ptr<Event> event) override {
+    hub_.PostFromInside(std::move(event), "");
+  }
+  void SetSharedState(const std::string& json, const std::shared_ptr<Event>& event) override {
+    hub_.EventHub::SetSharedState(name_, json, event);
+  }
+  std::shared_ptr<std::string> GetSharedState(const std::string& owner,
+                                              const std::shared_ptr<Event>& event) override {
+    return hub_.EventHub::GetSharedState(owner, event);
+  }
+  PlatformServicesInterface& Services() override { return *hub_.services_; }
+
+ private:
+  EventHub& hub_;
+  const std::string name_;
+};
+
+std::shared_ptr<EventHub> EventHub::Create(std::shared_ptr<PlatformServicesInterface> services,
+                                           EventHubLimits limits) {
+  // The hub's threads own the hub as well; the handle given out ends them, and with them the hub.
+  auto hub = std::make_shared<EventHub>(std::move(services), limits);
+  EventHub* const target = hub.get();
+  return {target, [hub = std::move(hub)](EventHub*) mutable {
+            hub->Dispose(std::chrono::milliseconds::zero());
+            hub->JoinAll();
+            hub = nullptr;
+            LeftoverThreads::JoinThoseDone();
+          }};
+}
+
+EventHub::EventHub(std::shared_ptr<PlatformServicesInterface> services, EventHubLimits limits)
+    : services_(std::move(services)),
+      limits_(limits),
+      responseWaiters_(limits.responseWaiters),
+      callbacks_(limits.callbacks),
+      queue_(limits.events) {}
+
+void EventHub::AddModule(std::unique_ptr<HubModule> module) {
+  const std::string name = module->GetName();
+  modules_.Reserve(name);
+  auto context = std::make_unique<ModuleContext>(*this, name);
+  module->Attach(*context);
+  ownModules_.push_back({name, std::move(context), std::move(module)});
+}
+
+void EventHub::Start() {
+  if (isStarted_.exchange(true)) return;
+  callbacks_.Start({
+      [self = shared_from_this()] { self->NameThread(kCallbackThreadName); },
+      [self = shared_from_this()](const std::function<void()>& callback) { CallGuarded(callback); },
+      [](std::size_t count) {
+        Log::Warning(kLogTag, "%zu callbacks were dropped because their queue was full", count);
+      },
+      nullptr,
+  });
+  queue_.Start({
+      [self = shared_from_this()] { self->NameThread(kHubThreadName); },
+      [self = shared_from_this()](const Item& item) { self->Handle(item); },
+      [](std::size_t count) {
+        Log::Warning(kLogTag, "%zu events were dropped because the queue was full", count);
+      },
+      nullptr,
+  });
+}
+
+void EventHub::NameThread(const std::string& name) const {
+  TrySwallow([&] {
+    const std::shared_ptr<SystemInfoServiceInterface> info = services_->GetSystemInfoService();
+    if (info != nullptr) info->SetCurrentThreadName(name);
+  });
+}
+
+std::optional<SdkError> EventHub::Dispatch(const std::shared_ptr<Event>& event,
+                                           ResponseWaiters::Callback onResponse) {
+  if (std::optional<SdkError> error = EventRules::Check(event)) return error;
+  if (isDisposed_) return Disposed(__LINE__);
+  std::optional<std::int64_t> ticket;
+  if (onResponse) ticket = responseWaiters_.Add(event->GetId(), std::move(onResponse));
+  const Queue::Outcome outcome = queue_.Push({event, nullptr, ""}, Queue::Admission::Refusable);
+  if (outcome == Queue::Outcome::Accepted) return std::nullopt;
+  if (ticket.has_value()) responseWaiters_.Remove(*ticket);
+  if (outcome == Queue::Outcome::Stopped) return Disposed(__LINE__);
+  return SdkError(ErrorCodes::kEventHubQueueFull, "too many events wait",
+                  DebugInfo(kSourceLocation, __LINE__));
+}
+
+void EventHub::Post(const std::shared_ptr<Event>& event, ResponseWaiters::Callback onResponse) {
+  std::optional<std::int64_t> ticket;
+  if (onResponse) ticket = responseWaiters_.Add(event->GetId(), std::move(onResponse));
+  if (!PostItem({event, nullptr, ""}) && ticket.has_value()) responseWaiters_.Remove(*ticket);
+}
+
+void EventHub::PostAndFollow(const std::shared_ptr<Event>& event, std::function<void()> whenDone) {
+  PostItem({event,
+            [this, whenDone = std::move(whenDone)] {
+              if (whenDone) CallWhenModulesAreRegistered(whenDone);
+            },
+            ""});
+}
+
+bool EventHub::PostItem(Item item) {
+  const std::string name = item.event->GetName();
+  const Queue::Outcome outcome =
+      isDisposed_ ? Queue::Outcome::Stopped
+                  : queue_.Push(std::move(item), Queue::Admission::CountedWhenRefused);
+  if (outcome == Queue::Outcome::Stopped) {
+    Log::Debug(kLogTag, "\"%s\" was ignored: the event hub has been disposed", name.c_str());
+  }
+  return outcome == Queue::Outcome::Accepted;
+}
+
+void EventHub::PostFromInside(std::shared_ptr<Event> event, const std::string& deafModule) {
+  queue_.Push({std::move(event), nullptr, deafModule}, Queue::Admission::CountedWhenRefused);
+}
+
+void EventHub::Handle(const Item& item) {
+  const std::shared_ptr<Event> event = item.event->WithNumber(++lastNumber_);
+  TraceEvent(*event);
+  if (event->GetNumber() == 1) TellOfFirstEvent(event);
+  CallResponseWaiters(event);
+  const std::string topic = ExternalModuleHost::Topic(event->GetType(), event->GetSource());
+  TellOwnModules(topic, event);
+  const std::shared_ptr<const ModuleRegistry::Hosts> hosts = modules_.Active();
+  for (const std::shared_ptr<ExternalModuleHost>& host : *hosts) {
+    if (item.deafModule.empty() || host->Name() != item.deafModule) host->Offer(topic, event);
+  }
+  if (item.whenHandled) item.whenHandled();
+}
+
+void EventHub::CallResponseWaiters(const std::shared_ptr<Event>& event) {
+  if (!event->GetRequestId().has_value()) return;
+  for (ResponseWaiters::Callback& callback : responseWaiters_.Take(*event->GetRequestId())) {
+    Call([callback = std::move(callback), event] { callback(event); });
+  }
+}
+
+void EventHub::TellOfFirstEvent(const std::shared_ptr<Event>& event) {
+  for (const OwnModule& own : ownModules_) {
+    CallModule(own.name, *event, [&] { own.module->BeforeFirstEvent(event); });
+  }
+}
+
+void EventHub::TellOwnModules(const std::string& topic, const std::shared_ptr<Event>& event) const {
+  const auto listeners = ownListeners_.find(topic);
+  if (listeners == ownListeners_.end()) return;
+  for (const OwnListener& listener : listeners->second) {
+    CallModule(listener.module, *event, [&] { listener.handler(event); });
+  }
+}
+
+void EventHub::CallWhenModulesAreRegistered(const std::function<void()>& callback) {
+  const std::shared_ptr<const ModuleRegistry::Hosts> hosts = modules_.Active();
+  const auto awaited = std::make_shared<std::atomic<std::size_t>>(hosts->size() + 1);
+  // A module keeps this until it is registered; the hub may be gone by then.
+  const auto countDown = [weakSelf = weak_from_this(), awaited, callback] {
+    if (awaited->fetch_sub(1) != 1) return;
+    if (const std::shared_ptr<EventHub> self = weakSelf.lock()) self->Call(callback);
+  };
+  for (const std::shared_ptr<ExternalModuleHost>& host : *hosts) {
+    host->CallWhenRegistered(countDown);
+  }
+  countDown();
+}
+
+void EventHub::Call(std::function<void()> callback) {
+  callbacks_.Push(std::move(callback), CallbackQueue::Admission::CountedWhenRefused);
+}
+
+std::optional<SdkError> EventHub::RegisterModule(
+    const std::shared_ptr<ExternalModuleInterface>& module) {
+  const std::string name = module == nullptr ? std::string() : NameOf(*module);
+  if (!EventRules::IsModuleName(name)) {
+    return SdkError(ErrorCodes::kExternalModuleBadModuleName,
+                    "a module name must be 1 to 255 bytes of text",
+                    DebugInfo(kSourceLocation, __LINE__));
+  }
+  if (isDisposed_) return Disposed(__LINE__);
+  JoinEnded();
+  const auto host = std::make_shared<ExternalModuleHost>(module, name, shared_from_this(),
+                                                         AcceptedCount(), limits_.moduleEvents);
+  switch (modules_.Add(host)) {
+    case ModuleRegistry::Addition::Taken:
+      return SdkError(ErrorCodes::kExternalModuleDuplicateModuleName,
+                      "there is a module of this name: " + name,
+                      DebugInfo(kSourceLocation, __LINE__));
+    case ModuleRegistry::Addition::MustWait:
+      break;
+    case ModuleRegistry::Addition::MayStart:
+      if (std::optional<SdkError> error = StartModule(host)) return error;
+      break;
+  }
+  // Dispose may have looked for modules before this one was there.
+  if (isDisposed_) host->Stop();
+  TraceModule(*module, name);
+  return std::nullopt;
+}
+
+std::optional<SdkError> EventHub::StartModule(const std::shared_ptr<ExternalModuleHost>& host) {
+  try {
+    host->Start();
+    return std::nullopt;
+  } catch (const std::system_error& error) {
+    modules_.Discard(host);
+    return SdkError(ErrorCodes::kStdException, error.what(), DebugInfo(kSourceLocation, __LINE__));
+  }
+}
+
+void EventHub::UnregisterModule(const std::shared_ptr<ExternalModuleHost>& host) {
+  if (!modules_.Remove(host)) return;
+  host->Stop();
+  states_.Clear(host->Name());
+}
+
+void EventHub::OnModuleEnded(const std::shared_ptr<ExternalModuleHost>& host) {
+  JoinEnded();
+  const std::shared_ptr<ExternalModuleHost> successor = modules_.OnEnded(host);
+  if (successor == nullptr) return;
+  if (const std::optional<SdkError> error = StartModule(successor)) {
+    Log::Error(kLogTag, "module %s could not be started: %s", successor->Name().c_str(),
+               error->what());
+  }
+}
+
+void EventHub::JoinEnded() {
+  for (const std::shared_ptr<ExternalModuleHost>& ended : modules_.TakeEnded()) ended->Join();
+}
+
+bool EventHub::SetSharedState(const std::string& owner, const std::string& json,
+                              const std::shared_ptr<Event>& event) {
+  const bool isNumbered = event != nullptr && event->GetNumber() > 0;
+  const std::int64_t number = isNumbered ? event->GetNumber() : AcceptedCount() + 1;
+  if (!states_.Set(owner, json, number)) return false;
+  AnnounceSharedState(owner);
+  return true;
+}
+
+void EventHub::ClearSharedStates(const std::string& owner) {
+  states_.Clear(owner);
+  AnnounceSharedState(owner);
+}
+
+void EventHub::AnnounceSharedState(const std::string& owner) {
+  EventData data;
+  data.PutString(EventKeys::kStateOwner, owner);
+  PostFromInside(
+      std::make_shared<Event>("shared state changed", EventTypes::kHub, EventSources::kSharedState,
+                              std::make_shared<EventData>(std::move(data))),
+      owner);
+}
+
+std::shared_ptr<std::string> EventHub::GetSharedState(const std::string& owner,
+                                                      const std::shared_ptr<Event>& event) const {
+  if (event == nullptr || event->GetNumber() == 0) return states_.Get(owner, std::nullopt);
+  return states_.Get(owner, event->GetNumber());
+}
+
+void EventHub::Dispose(std::chrono::milliseconds timeout) {
+  if (isDisposed_.exchange(true)) return;
+  const auto deadline = DeadlineAfter(timeout);
+  if (isStarted_) queue_.WaitUntilIdle(deadline);
+  const std::size_t events = queue_.Stop();
+  queue_.Join();
+  const ModuleRegistry::Hosts hosts = modules_.All();
+  for (const auto& host : hosts) host->WaitUntilIdle(deadline);
+  std::size_t moduleEvents = 0;
+  for (const auto& host : hosts) moduleEvents += host->Stop();
+  if (isStarted_) callbacks_.WaitUntilIdle(deadline);
+  const std::size_t callbacks = callbacks_.Stop();
+  responseWaiters_.Clear();
+  if (events + moduleEvents + callbacks > 0) {
+    Log::Warning(kLogTag,
+                 "disposed with work left: %zu events, %zu events of external modules and %zu "
+                 "callbacks were dropped",
+                 events, moduleEvents, callbacks);
+  }
+  // Said first: a call that never returns would keep it from being said.
+  JoinAll();
+}
+
+void EventHub::JoinAll() {
+  queue_.Join();
+  for (const auto& host : modules_.All()) host->Join();
+  callbacks_.Join();
+}
+
+}  // namespace Velmora

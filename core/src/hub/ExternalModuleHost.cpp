@@ -1,0 +1,191 @@
+#include "hub/ExternalModuleHost.h"
+
+#include <utility>
+
+#include "VelmoraCore/Log.h"
+#include "VelmoraCore/TryCatch.h"
+#include "hub/EventHub.h"
+#include "hub/ExternalModuleServices.h"
+
+namespace Velmora {
+namespace {
+
+constexpr const char* kLogTag = "EventHub";
+
+}  // namespace
+
+ExternalModuleHost::ExternalModuleHost(std::shared_ptr<ExternalModuleInterface> module,
+                                       std::string name, const std::shared_ptr<EventHub>& hub,
+                                       std::int64_t acceptedCount, std::size_t capacity)
+    : module_(std::move(module)),
+      name_(std::move(name)),
+      hub_(hub),
+      acceptedCount_(acceptedCount),
+      queue_(capacity) {
+  queue_.Push({nullptr, [this] { Register(); }}, SerialQueue<Task>::Admission::Always);
+}
+
+std::string ExternalModuleHost::Topic(const std::string& type, const std::string& source) {
+  // Neither holds a control character, so that the two cannot run into one another.
+  return type + '\n' + source;
+}
+
+void ExternalModuleHost::Start() {
+  queue_.Start({
+      [self = shared_from_this()] { self->NameThread(); },
+      [self = shared_from_this()](Task task) { self->Handle(std::move(task)); },
+      [self = shared_from_this()](std::size_t count) {
+        Log::Warning(kLogTag, "module %s: %zu events were dropped because its queue was full",
+                     self->name_.c_str(), count);
+      },
+      [self = shared_from_this()] { self->End(); },
+  });
+}
+
+void ExternalModuleHost::NameThread() const {
+  if (const std::shared_ptr<EventHub> hub = Hub()) hub->NameThread(name_);
+}
+
+void ExternalModuleHost::Handle(Task task) {
+  if (task.event != nullptr) {
+    Hear(task.event);
+  } else {
+    task.action();
+  }
+}
+
+void ExternalModuleHost::Register() {
+  isTold_ = true;
+  Guard("OnRegister", [this] {
+    module_->OnRegister(std::make_shared<ExternalModuleServices>(weak_from_this()));
+  });
+  std::vector<ListenerPointer> added;
+  std::vector<std::function<void()>> whenRegistered;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    isRegistering_ = false;
+    added.swap(addedWhileRegistering_);
+    whenRegistered.swap(whenRegistered_);
+  }
+  for (const ListenerPointer& listener : added) {
+    if (IsActive()) TellRegistered(listener);
+  }
+  for (const std::function<void()>& done : whenRegistered) done();
+}
+
+void ExternalModuleHost::CallWhenRegistered(std::function<void()> done) {
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (isRegistering_) {
+      whenRegistered_.push_back(std::move(done));
+      return;
+    }
+  }
+  done();
+}
+
+void ExternalModuleHost::Offer(const std::string& topic, const std::shared_ptr<Event>& event) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  // Which events a module wants that is still being registered, only its listeners will tell.
+  if (isRegistering_ || !wildcardListeners_.empty() || listeners_.contains(topic)) {
+    queue_.Push({event, nullptr}, SerialQueue<Task>::Admission::CountedWhenRefused);
+  }
+}
+
+bool ExternalModuleHost::AddListener(std::shared_ptr<ExternalModuleListenerInterface> listener,
+                                     const std::string& topic) {
+  using Admission = SerialQueue<Task>::Admission;
+  const std::shared_ptr<EventHub> hub = Hub();
+  const auto added = std::make_shared<Listener>();
+  added->target = std::move(listener);
+  ListenerPointer replaced;  // goes after the lock
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!IsActive() || hub == nullptr) return false;
+  added->firstNumber = (isRegistering_ ? acceptedCount_ : hub->AcceptedCount()) + 1;
+  if (topic.empty()) {
+    wildcardListeners_.push_back(added);
+  } else {
+    ListenerPointer& place = listeners_[topic];
+    replaced = std::exchange(place, added);
+  }
+  if (isRegistering_) {
+    // Events may wait already that these listeners are to hear; they are told before those.
+    std::erase(addedWhileRegistering_, replaced);
+    addedWhileRegistering_.push_back(added);
+    return true;
+  }
+  if (replaced != nullptr) {
+    queue_.Push({nullptr, [this, replaced] { TellUnregistered(replaced); }}, Admission::Always);
+  }
+  queue_.Push({nullptr, [this, added] { TellRegistered(added); }}, Admission::Always);
+  return true;
+}
+
+void ExternalModuleHost::TellRegistered(const ListenerPointer& listener) {
+  listener->isTold = true;
+  Guard("OnRegistered", [&listener] { listener->target->OnRegistered(); });
+}
+
+void ExternalModuleHost::TellUnregistered(const ListenerPointer& listener) {
+  if (!std::exchange(listener->isTold, false)) return;
+  Guard("OnUnregistered", [&listener] { listener->target->OnUnregistered(); });
+}
+
+void ExternalModuleHost::Hear(const std::shared_ptr<Event>& event) {
+  for (const ListenerPointer& listener : ListenersFor(*event)) {
+    if (!IsActive()) return;
+    Guard("Hear", [&listener, &event] { listener->target->Hear(event); });
+  }
+}
+
+std::vector<ExternalModuleHost::ListenerPointer> ExternalModuleHost::ListenersFor(
+    const Event& event) {
+  std::vector<ListenerPointer> found;
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const auto addWanting = [&](const ListenerPointer& listener) {
+    if (listener->isTold && listener->firstNumber <= event.GetNumber()) found.push_back(listener);
+  };
+  const auto listener = listeners_.find(Topic(event.GetType(), event.GetSource()));
+  if (listener != listeners_.end()) addWanting(listener->second);
+  for (const ListenerPointer& wildcard : wildcardListeners_) addWanting(wildcard);
+  return found;
+}
+
+std::size_t ExternalModuleHost::Stop() {
+  isActive_ = false;
+  return queue_.Stop();
+}
+
+bool ExternalModuleHost::WaitUntilIdle(Deadline deadline) { return queue_.WaitUntilIdle(deadline); }
+
+void ExternalModuleHost::Join() { queue_.Join(); }
+
+void ExternalModuleHost::End() {
+  for (const ListenerPointer& listener : TakeListeners()) TellUnregistered(listener);
+  if (isTold_) {
+    Guard("OnUnregister", [this] { module_->OnUnregister(); });
+  }
+  module_ = nullptr;
+  if (const std::shared_ptr<EventHub> hub = Hub()) hub->OnModuleEnded(shared_from_this());
+}
+
+std::vector<ExternalModuleHost::ListenerPointer> ExternalModuleHost::TakeListeners() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  std::vector<ListenerPointer> taken = std::exchange(wildcardListeners_, {});
+  for (const auto& [topic, listener] : listeners_) taken.push_back(listener);
+  listeners_.clear();
+  return taken;
+}
+
+void ExternalModuleHost::Guard(const char* operation, const std::function<void()>& call) {
+  TryCatch(call, [this, operation](SdkError& error) {
+    Log::Error(kLogTag, "module %s: %s failed: %s", name_.c_str(), operation, error.what());
+    TryCatch([this, &error] { module_->OnUnexpectedError(error); },
+             [this](SdkError& again) {
+               Log::Error(kLogTag, "module %s: OnUnexpectedError failed: %s", name_.c_str(),
+                          again.what());
+             });
+  });
+}
+
+}  // namespace Velmora

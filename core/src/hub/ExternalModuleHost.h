@@ -1,0 +1,111 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "VelmoraCore/Event.h"
+#include "VelmoraCore/ExternalModuleInterface.h"
+#include "VelmoraCore/ExternalModuleListenerInterface.h"
+#include "hub/SerialQueue.h"
+
+namespace Velmora {
+
+class EventHub;
+
+// One external module in the hub: its listeners, and a queue whose thread makes every call of the
+// module and of its listeners, so that a slow module delays nobody else.
+//
+// May be used on any thread. Life: made, Start (OnRegister, then events), Stop (OnUnregistered for
+// each listener, OnUnregister), after which the hub is told. Each callback that throws gives one
+// error line and is told to the module as an unexpected error.
+class ExternalModuleHost : public std::enable_shared_from_this<ExternalModuleHost> {
+ public:
+  using Deadline = std::chrono::steady_clock::time_point;
+
+  // `acceptedCount` is the number of the last event before the module's registration.
+  ExternalModuleHost(std::shared_ptr<ExternalModuleInterface> module, std::string name,
+                     const std::shared_ptr<EventHub>& hub, std::int64_t acceptedCount,
+                     std::size_t capacity);
+
+  const std::string& Name() const { return name_; }
+  std::shared_ptr<EventHub> Hub() const { return hub_.lock(); }
+  bool IsActive() const { return isActive_.load(); }
+
+  // Throws std::system_error when no thread can be had. Does nothing after Stop.
+  void Start();
+
+  // Queues an event, numbered by the hub, when a listener may want it. Called on the hub's thread,
+  // in order.
+  void Offer(const std::string& topic, const std::shared_ptr<Event>& event);
+
+  // Adds a listener that hears events accepted from now on; one that is added while the module is
+  // being registered hears those accepted since its registration. An empty topic stands for every
+  // event; for any other, the listener before is replaced. False when the module is leaving.
+  bool AddListener(std::shared_ptr<ExternalModuleListenerInterface> listener,
+                   const std::string& topic);
+
+  // Calls `done`, on this or on the module's thread, when OnRegister has returned; never when the
+  // module was stopped before it was called.
+  void CallWhenRegistered(std::function<void()> done);
+
+  // Drops the events that wait, and returns how many. The module is told on its own thread, after
+  // the call that is under way.
+  std::size_t Stop();
+
+  bool WaitUntilIdle(Deadline deadline);
+  void Join();
+
+  // The key of an event type and source in a table of listeners.
+  static std::string Topic(const std::string& type, const std::string& source);
+
+ private:
+  struct Listener {
+    std::shared_ptr<ExternalModuleListenerInterface> target;
+    std::int64_t firstNumber = 0;
+    bool isTold = false;  // of its registration; for the module's thread only
+  };
+  using ListenerPointer = std::shared_ptr<Listener>;
+
+  // An event to hear, or something else to do.
+  struct Task {
+    std::shared_ptr<Event> event;
+    std::function<void()> action;
+  };
+
+  void NameThread() const;
+  void Register();
+  void Handle(Task task);
+  void Hear(const std::shared_ptr<Event>& event);
+  void TellRegistered(const ListenerPointer& listener);
+  void TellUnregistered(const ListenerPointer& listener);
+  void End();
+  std::vector<ListenerPointer> ListenersFor(const Event& event);
+  std::vector<ListenerPointer> TakeListeners();
+  void Guard(const char* operation, const std::function<void()>& call);
+
+  std::shared_ptr<ExternalModuleInterface> module_;  // for the module's thread only
+  const std::string name_;
+  const std::weak_ptr<EventHub> hub_;
+  const std::int64_t acceptedCount_;
+  std::atomic<bool> isActive_{true};
+  bool isTold_ = false;  // of its registration; for the module's thread only
+
+  std::mutex mutex_;
+  bool isRegistering_ = true;
+  std::unordered_map<std::string, ListenerPointer> listeners_;  // by topic
+  std::vector<ListenerPointer> wildcardListeners_;
+  std::vector<ListenerPointer> addedWhileRegistering_;
+  std::vector<std::function<void()>> whenRegistered_;
+
+  SerialQueue<Task> queue_;
+};
+
+}  // namespace Velmora

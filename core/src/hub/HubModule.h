@@ -1,0 +1,53 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "VelmoraCore/Event.h"
+#include "VelmoraCore/PlatformServicesInterface.h"
+
+namespace Velmora {
+
+// What the hub does for one of its own modules.
+class HubContext {
+ public:
+  using Handler = std::function<void(const std::shared_ptr<Event>&)>;
+
+  virtual ~HubContext() = default;
+
+  // `handler` is called on the hub's thread with every event of this type and source. To be called
+  // in HubModule::Attach only.
+  virtual void Listen(const std::string& type, const std::string& source, Handler handler) = 0;
+
+  // Puts an event in line behind those that wait. One that finds no room is dropped and counted.
+  virtual void Dispatch(std::shared_ptr<Event> event) = 0;
+
+  // Publishes the module's state as JSON text, valid from `event` on.
+  virtual void SetSharedState(const std::string& json, const std::shared_ptr<Event>& event) = 0;
+
+  // The state of a module as it stood at `event`; an empty pointer when it had none.
+  virtual std::shared_ptr<std::string> GetSharedState(const std::string& owner,
+                                                      const std::shared_ptr<Event>& event) = 0;
+
+  virtual PlatformServicesInterface& Services() = 0;
+};
+
+// A module of the core's own. Owned by the hub. Attach is called on the thread that makes the core;
+// all else happens on the hub's thread, one call at a time. A call that throws gives one error
+// line.
+class HubModule {
+ public:
+  virtual ~HubModule() = default;
+
+  // The module's name, which no other module may have, and the owner of its shared state.
+  virtual std::string GetName() const = 0;
+
+  // `hub` outlives the module.
+  virtual void Attach(HubContext& hub) = 0;
+
+  // Comes before any module's handler; what `event` is does not matter.
+  virtual void BeforeFirstEvent([[maybe_unused]] const std::shared_ptr<Event>& event) {}
+};
+
+}  // namespace Velmora

@@ -1,0 +1,211 @@
+#pragma once
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "base/LeftoverThreads.h"
+
+namespace Velmora {
+
+// The queue whose thread this is; empty on every other thread.
+inline thread_local const void* serialQueueOfThisThread = nullptr;
+
+// A bounded queue with a thread of its own that handles the items one by one, in order.
+//
+// Every operation may be called on any thread, also on the queue's own. The destructor stops the
+// queue and joins the thread; on the queue's own thread it leaves the join to LeftoverThreads. No
+// lock is held while a handler is called.
+template <class Item>
+class SerialQueue {
+ public:
+  using Deadline = std::chrono::steady_clock::time_point;
+
+  // Called on the thread. They belong to it until it ends, and so does what they capture.
+  struct Handlers {
+    std::function<void()> begin;                      // first
+    std::function<void(Item)> handle;                 // for each item; must not throw
+    std::function<void(std::size_t)> reportOverflow;  // room is back: so many were counted
+    std::function<void()> end;                        // last, after Stop
+  };
+
+  enum class Outcome { Accepted, Full, Stopped };
+
+  // How an item meets a full queue: it is refused, or refused and counted for `reportOverflow`, or
+  // it does not count at all and always gets in.
+  enum class Admission { Refusable, CountedWhenRefused, Always };
+
+  explicit SerialQueue(std::size_t capacity) : capacity_(static_cast<std::int64_t>(capacity)) {}
+
+  ~SerialQueue() {
+    Stop();
+    if (!thread_.joinable()) return;
+    if (IsOwnThread()) {
+      LeftoverThreads::Adopt({std::move(thread_), isDone_});
+    } else {
+      thread_.join();
+    }
+  }
+
+  SerialQueue(const SerialQueue&) = delete;
+  SerialQueue& operator=(const SerialQueue&) = delete;
+
+  // Begins to handle items; those pushed before have waited. Called once; does nothing after Stop.
+  // Throws std::system_error when no thread can be had.
+  void Start(Handlers handlers) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (isStopped_) return;
+    thread_ = std::thread([this, handlers = std::move(handlers), isDone = isDone_]() mutable {
+      serialQueueOfThisThread = this;
+      Run(handlers);
+      // May end this queue's life.
+      handlers = Handlers();
+      isDone->store(true);
+    });
+  }
+
+  Outcome Push(Item item, Admission admission) {
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      if (isStopped_) return Outcome::Stopped;
+      if (admission != Admission::Always) {
+        if (unclaimed_.load() >= capacity_) {
+          if (admission == Admission::CountedWhenRefused) ++refused_;
+          return Outcome::Full;
+        }
+        ++unclaimed_;
+        accepted_.fetch_add(1);
+      }
+      waiting_.push_back({std::move(item), admission != Admission::Always});
+      if (!isSleeping_) return Outcome::Accepted;
+      isSleeping_ = false;
+    }
+    itemCame_.notify_one();
+    return Outcome::Accepted;
+  }
+
+  // How many items were accepted so far, those that always get in left out.
+  std::int64_t AcceptedCount() const { return accepted_.load(); }
+
+  // True when, by the deadline, nothing waits and nothing is being handled. Waits for nothing, and
+  // is false, on the queue's own thread.
+  bool WaitUntilIdle(Deadline deadline) {
+    if (IsOwnThread()) return false;
+    std::unique_lock<std::mutex> lock(mutex_);
+    return becameIdle_.wait_until(lock, deadline,
+                                  [this] { return isStopped_ || (waiting_.empty() && !isBusy_); });
+  }
+
+  // Drops what waits; the thread ends after the item that it is handling. Returns how many items
+  // were dropped, those that always get in left out; a later call returns 0.
+  std::size_t Stop() {
+    std::deque<Entry> dropped;
+    std::int64_t count = 0;
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      if (isStopped_) return 0;
+      isStopped_ = true;
+      count = unclaimed_.exchange(kNothingLeft);
+      dropped.swap(waiting_);
+      itemCame_.notify_all();
+      becameIdle_.notify_all();
+    }
+    return static_cast<std::size_t>(count);
+  }
+
+  // Waits for the thread to end after Stop. Does nothing on the queue's own thread, which the
+  // destructor sees to.
+  void Join() {
+    if (IsOwnThread()) return;
+    std::thread thread;
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      thread.swap(thread_);
+    }
+    if (thread.joinable()) thread.join();
+  }
+
+  bool IsOwnThread() const { return serialQueueOfThisThread == this; }
+
+ private:
+  struct Entry {
+    Item item;
+    bool isCounted;
+  };
+
+  static constexpr std::size_t kBatchSize = 64;
+  static constexpr std::int64_t kNothingLeft = std::numeric_limits<std::int64_t>::min() / 2;
+
+  void Run(Handlers& handlers) {
+    if (handlers.begin) handlers.begin();
+    std::vector<Entry> batch;
+    batch.reserve(kBatchSize);
+    while (TakeBatch(batch, handlers)) {
+      for (Entry& entry : batch) {
+        if (!Claim(entry)) break;
+        handlers.handle(std::move(entry.item));
+      }
+      batch.clear();
+    }
+    if (handlers.end) handlers.end();
+  }
+
+  // An item is either claimed here or counted as dropped by Stop, never both.
+  bool Claim(const Entry& entry) {
+    return entry.isCounted ? unclaimed_.fetch_sub(1) > 0 : !isStopped_.load();
+  }
+
+  bool TakeBatch(std::vector<Entry>& batch, const Handlers& handlers) {
+    std::unique_lock<std::mutex> lock(mutex_);
+    ReportOverflow(lock, handlers);
+    while (waiting_.empty() && !isStopped_) {
+      isBusy_ = false;
+      isSleeping_ = true;
+      becameIdle_.notify_all();
+      itemCame_.wait(lock, [this] { return !isSleeping_ || isStopped_; });
+    }
+    isBusy_ = true;
+    const std::size_t count = std::min(waiting_.size(), kBatchSize);
+    for (std::size_t taken = 0; taken < count; ++taken) {
+      batch.push_back(std::move(waiting_.front()));
+      waiting_.pop_front();
+    }
+    return !isStopped_;
+  }
+
+  void ReportOverflow(std::unique_lock<std::mutex>& lock, const Handlers& handlers) {
+    if (refused_ == 0 || unclaimed_.load() >= capacity_) return;
+    const std::size_t count = std::exchange(refused_, 0);
+    lock.unlock();
+    if (handlers.reportOverflow) handlers.reportOverflow(count);
+    lock.lock();
+  }
+
+  const std::int64_t capacity_;
+  const std::shared_ptr<std::atomic<bool>> isDone_ = std::make_shared<std::atomic<bool>>(false);
+  std::atomic<std::int64_t> unclaimed_{0};  // accepted and not begun; far below zero once stopped
+  std::atomic<std::int64_t> accepted_{0};
+  std::atomic<bool> isStopped_{false};
+
+  std::mutex mutex_;
+  std::condition_variable itemCame_;
+  std::condition_variable becameIdle_;
+  std::deque<Entry> waiting_;
+  std::size_t refused_ = 0;
+  bool isBusy_ = false;
+  bool isSleeping_ = false;
+  std::thread thread_;
+};
+
+}  // namespace Velmora

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "VelmoraCore/MobilePrivacyStatus.h"
+#include "hub/HubModule.h"
+
+namespace Velmora {
+
+// Turns every tracked action or state into an event of the source "prepared", with the time at
+// which it was tracked; not so when the visitor has opted out by then, nor when that cannot be
+// known. Sends nothing yet.
+class AnalyticsModule final : public HubModule {
+ public:
+  std::string GetName() const override;
+  void Attach(HubContext& hub) override;
+
+ private:
+  using EventPointer = std::shared_ptr<Event>;
+
+  void OnRequest(const EventPointer& event);
+  std::optional<MobilePrivacyStatus> StatusAt(const EventPointer& event);
+
+  HubContext* hub_ = nullptr;
+
+  // The configuration last looked at, and what it said.
+  std::string knownConfiguration_;
+  std::optional<MobilePrivacyStatus> knownStatus_;
+};
+
+}  // namespace Velmora

@@ -1,0 +1,24 @@
+#include "modules/PrivacyStatus.h"
+
+namespace Velmora {
+
+MobilePrivacyStatus PrivacyStatusOf(std::int64_t number) {
+  if (number == static_cast<std::int64_t>(MobilePrivacyStatus::OptedIn)) {
+    return MobilePrivacyStatus::OptedIn;
+  }
+  if (number == static_cast<std::int64_t>(MobilePrivacyStatus::OptedOut)) {
+    return MobilePrivacyStatus::OptedOut;
+  }
+  return MobilePrivacyStatus::Unknown;
+}
+
+MobilePrivacyStatus PrivacyStatusOf(const std::shared_ptr<Variant>& value) {
+  const bool isNumber = value != nullptr && value->IsNumericKind();
+  return isNumber ? PrivacyStatusOf(value->GetLong()) : MobilePrivacyStatus::Unknown;
+}
+
+std::shared_ptr<Variant> ToVariant(MobilePrivacyStatus status) {
+  return Variant::FromLong(static_cast<std::int64_t>(status));
+}
+
+}  // namespace Velmora

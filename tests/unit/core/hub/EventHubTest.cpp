@@ -1,0 +1,206 @@
+#include <cmath>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "VelmoraCore/ErrorCodes.h"
+#include "VelmoraCore/Log.h"
+#include "hub/EventHub.h"
+#include "unit/core/hub/HubFixture.h"
+
+namespace {
+
+using testing::ElementsAre;
+using TestSupport::LogLevel;
+using Velmora::Event;
+using Velmora::EventData;
+using Velmora::EventHub;
+using Velmora::Variant;
+namespace ErrorCodes = Velmora::ErrorCodes;
+
+class EventHubTest : public HubFixture {};
+
+TEST_F(EventHubTest, NumbersEventsFromOneInOrder) {
+  StartHub();
+  const auto listener = std::make_shared<RecordingListener>();
+  RegisterWith("listening", listener);
+  const EventPointer event = NewEvent("first");
+  EXPECT_EQ(Dispatch(event), "");
+  EXPECT_EQ(Dispatch(NewEvent("second")), "");
+  EXPECT_EQ(Dispatch(event), "");
+  Finish();
+  ASSERT_THAT(listener->Names(), ElementsAre("first", "second", "first"));
+  EXPECT_EQ(listener->Heard()[0]->GetNumber(), 1);
+  EXPECT_EQ(listener->Heard()[1]->GetNumber(), 2);
+  EXPECT_EQ(listener->Heard()[2]->GetNumber(), 3);
+  EXPECT_EQ(listener->Heard()[0]->GetId(), event->GetId());
+  EXPECT_EQ(event->GetNumber(), 0) << "the event that was passed in stays as it was";
+}
+
+TEST_F(EventHubTest, KeepsTheOrderOfEveryDispatchingThread) {
+  constexpr int kThreads = 4;
+  constexpr int kEvents = 500;
+  StartHub();
+  const auto listener = std::make_shared<RecordingListener>();
+  RegisterWith("listening", listener);
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < kThreads; ++thread) {
+    threads.emplace_back([this, thread] {
+      for (int event = 0; event < kEvents; ++event) {
+        EXPECT_EQ(Dispatch(NewEvent(std::to_string(thread * kEvents + event))), "");
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  Finish();
+  const std::vector<EventPointer> heard = listener->Heard();
+  ASSERT_EQ(heard.size(), static_cast<std::size_t>(kThreads * kEvents));
+  std::vector<int> next(kThreads, 0);
+  for (std::size_t index = 0; index < heard.size(); ++index) {
+    EXPECT_EQ(heard[index]->GetNumber(), static_cast<std::int64_t>(index) + 1);
+    const int name = std::stoi(heard[index]->GetName());
+    EXPECT_EQ(name % kEvents, next[static_cast<std::size_t>(name / kEvents)]++);
+  }
+}
+
+TEST_F(EventHubTest, ListenersHearTheirTypeAndSourceOnly) {
+  StartHub();
+  const auto listener = std::make_shared<RecordingListener>();
+  RegisterWith("listening", listener, "cart", "app");
+  for (const auto& [type, source] : std::vector<std::pair<std::string, std::string>>{
+           {"cart", "app"}, {"cart", "web"}, {"Cart", "app"}, {"car", "tapp"}, {"app", "cart"}}) {
+    EXPECT_EQ(Dispatch(NewEvent(type + "/" + source, type, source)), "");
+  }
+  Finish();
+  EXPECT_THAT(listener->Names(), ElementsAre("cart/app"));
+}
+
+TEST_F(EventHubTest, WildcardListenersHearEverything) {
+  StartHub();
+  const auto listener = std::make_shared<RecordingListener>();
+  const auto module = std::make_shared<RecordingModule>("listening");
+  module->onRegister = [&](const ModuleServices& moduleServices) {
+    moduleServices->RegisterWildcardListener(listener);
+  };
+  EXPECT_EQ(Register(module), "");
+  EXPECT_EQ(Dispatch(NewEvent("one", "a", "b")), "");
+  EXPECT_EQ(Dispatch(NewEvent("two", "c", "d")), "");
+  Finish();
+  EXPECT_THAT(listener->Names(), ElementsAre("one", "two"));
+}
+
+TEST_F(EventHubTest, RefusesWhatIsNoEvent) {
+  StartHub();
+  EventData nan;
+  nan.Put("value", Variant::FromDouble(std::nan("")));
+  EXPECT_EQ(Dispatch(nullptr), ErrorCodes::kExternalModuleEventWasNull);
+  EXPECT_EQ(Dispatch(NewEvent("", "", "s")), ErrorCodes::kExternalModuleEventTypeNotSupported);
+  EXPECT_EQ(Dispatch(NewEvent("", "a b", "s")), ErrorCodes::kExternalModuleEventTypeNotSupported);
+  EXPECT_EQ(Dispatch(NewEvent("", "t", "")), ErrorCodes::kExternalModuleEventSourceNotSupported);
+  EXPECT_EQ(Dispatch(NewEvent("", "t", std::string(256, 's'))),
+            ErrorCodes::kExternalModuleEventSourceNotSupported);
+  EXPECT_EQ(Dispatch(std::make_shared<Event>("", "t", "s", std::make_shared<EventData>(nan))),
+            ErrorCodes::kExternalModuleEventDataNotSupported);
+  EXPECT_EQ(hub->AcceptedCount(), 0);
+}
+
+TEST_F(EventHubTest, DeliversDataOfAnySize) {
+  StartHub();
+  const auto listener = std::make_shared<RecordingListener>();
+  RegisterWith("listening", listener);
+  EventData data;
+  data.PutString("huge", std::string(10'000'000, 'x'));
+  data.PutString("zero", std::string("a\0b", 3));
+  EXPECT_EQ(Dispatch(std::make_shared<Event>("", "test.type", "test.source",
+                                             std::make_shared<EventData>(data))),
+            "");
+  Finish();
+  ASSERT_EQ(listener->Count(), 1U);
+  EXPECT_EQ(listener->Heard()[0]->GetData()->Get("huge")->GetString().size(), 10'000'000U);
+  EXPECT_EQ(listener->Heard()[0]->GetData()->Get("zero")->GetString().size(), 3U);
+}
+
+TEST_F(EventHubTest, HandlesEventsDispatchedBeforeItStarts) {
+  hub = EventHub::Create(services);
+  const auto listener = std::make_shared<RecordingListener>();
+  RegisterWith("listening", listener);
+  EXPECT_EQ(Dispatch(NewEvent("early")), "");
+  hub->Start();
+  hub->Start();
+  Finish();
+  EXPECT_THAT(listener->Names(), ElementsAre("early"));
+}
+
+TEST_F(EventHubTest, RefusesEventsBeyondItsLimitAndCountsItsOwn) {
+  Velmora::EventHubLimits limits;
+  limits.events = 3;
+  hub = EventHub::Create(services, limits);
+  const auto listener = std::make_shared<RecordingListener>();
+  RegisterWith("listening", listener);
+  for (const char* name : {"1", "2", "3"}) EXPECT_EQ(Dispatch(NewEvent(name)), "");
+  EXPECT_EQ(Dispatch(NewEvent("4")), ErrorCodes::kEventHubQueueFull);
+  hub->Post(NewEvent("5"));
+  hub->Post(NewEvent("6"));
+  log.ExpectLine(LogLevel::Warning, "EventHub", "2 events were dropped because the queue was full");
+  hub->Start();
+  EXPECT_TRUE(listener->WaitForCount(3));
+  EXPECT_EQ(Dispatch(NewEvent("7")), "");
+  Finish();
+  EXPECT_THAT(listener->Names(), ElementsAre("1", "2", "3", "7"));
+  EXPECT_EQ(listener->Heard()[3]->GetNumber(), 4);
+}
+
+TEST_F(EventHubTest, DropsEventsBeyondAModulesLimitWithoutHarmToOthers) {
+  Velmora::EventHubLimits limits;
+  limits.moduleEvents = 2;
+  StartHub(limits);
+  const auto gate = std::make_shared<Gate>();
+  const auto slow = std::make_shared<RecordingListener>([gate](const auto&) { gate->Pass(); });
+  const auto quick = std::make_shared<RecordingListener>();
+  RegisterWith("slow", slow);
+  RegisterWith("quick", quick);
+  EXPECT_EQ(Dispatch(NewEvent("1")), "");
+  gate->AwaitArrivals();
+  for (std::size_t count = 2; count <= 5; ++count) {
+    EXPECT_EQ(Dispatch(NewEvent(std::to_string(count))), "");
+    EXPECT_TRUE(quick->WaitForCount(count));
+  }
+  log.ExpectLine(LogLevel::Warning, "EventHub",
+                 "module slow: 2 events were dropped because its queue was full");
+  gate->Open();
+  Finish();
+  EXPECT_THAT(slow->Names(), ElementsAre("1", "2", "3"));
+  EXPECT_THAT(quick->Names(), ElementsAre("1", "2", "3", "4", "5"));
+}
+
+TEST_F(EventHubTest, TracesEveryEventInOneLine) {
+  Velmora::Log::SetLogLevel(Velmora::LoggingMode::Trace);
+  StartHub();
+  log.ExpectLine(LogLevel::Debug, "EventHub", "event 1: type t, source s, name \"two?lines\"");
+  EXPECT_EQ(Dispatch(NewEvent("two\nlines", "t", "s")), "");
+  Finish();
+}
+
+TEST_F(EventHubTest, NamesItsThreads) {
+  StartHub();
+  const auto module = std::make_shared<RecordingModule>("a module with a long name");
+  EXPECT_EQ(Register(module), "");
+  Finish();
+  std::vector<std::string> names;
+  for (const auto& [thread, name] : host.processInfo->ThreadNames()) names.push_back(name);
+  EXPECT_THAT(names, testing::UnorderedElementsAre("VelmoraEventHub", "VelmoraCallback",
+                                                   "a module with a"));
+}
+
+TEST_F(EventHubTest, RunsWithoutASystemInformationService) {
+  services->systemInfo = nullptr;
+  StartHub();
+  const auto listener = std::make_shared<RecordingListener>();
+  RegisterWith("listening", listener);
+  EXPECT_EQ(Dispatch(NewEvent("event")), "");
+  Finish();
+  EXPECT_EQ(listener->Count(), 1U);
+}
+
+}  // namespace
