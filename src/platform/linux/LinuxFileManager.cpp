@@ -1,0 +1,212 @@
+#include "platform/linux/LinuxFileManager.h"
+
+#include <cerrno>
+#include <climits>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "QEXCore_iOS/Platform/Utf8.h"
+#include "platform/linux/FileDescriptor.h"
+#include "platform/linux/FileErrors.h"
+#include "platform/linux/LinuxFileHandle.h"
+#include "platform/linux/UserDirectories.h"
+
+namespace Platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Why the system could not even be asked about such a path; 0 when it can. C strings would end at
+// the zero byte and so name another file.
+int FaultOfPath(std::string_view path) {
+  if (path.empty()) return ENOENT;
+  if (path.size() >= PATH_MAX) return ENAMETOOLONG;
+  return path.find('\0') == std::string_view::npos ? 0 : EINVAL;
+}
+
+// Never waits at a pipe; for regular files O_NONBLOCK means nothing.
+FileDescriptor Open(const std::string& path, int flags) {
+  if (const int fault = FaultOfPath(path)) {
+    errno = fault;
+    return {};
+  }
+  int number = -1;
+  do {
+    number = ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666);
+  } while (number < 0 && errno == EINTR);
+  return FileDescriptor(number);
+}
+
+bool IsDirectory(const FileDescriptor& file) {
+  struct stat status {};
+  return ::fstat(file.Number(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+FileType TypeOf(fs::file_type type) {
+  switch (type) {
+    case fs::file_type::none:
+    case fs::file_type::not_found:
+      return FileType::Missing;
+    case fs::file_type::regular:
+      return FileType::Regular;
+    case fs::file_type::directory:
+      return FileType::Directory;
+    default:
+      return FileType::Other;
+  }
+}
+
+// Of the entry itself, mostly without asking the system again: listings bring the types along.
+FileType TypeOf(const fs::directory_entry& entry) {
+  std::error_code error;
+  if (entry.is_symlink(error)) return FileType::Other;
+  if (entry.is_regular_file(error)) return FileType::Regular;
+  return entry.is_directory(error) ? FileType::Directory : FileType::Other;
+}
+
+// Reads a regular file to its end. 0, or what went wrong: EFBIG beyond `limit` bytes, ENOTSUP for
+// pipes and devices, which may never end.
+int ReadAll(const FileDescriptor& file, std::size_t limit, std::string& text) {
+  struct stat status {};
+  if (::fstat(file.Number(), &status) != 0) return errno;
+  if (S_ISDIR(status.st_mode)) return EISDIR;
+  if (!S_ISREG(status.st_mode)) return ENOTSUP;
+  if (status.st_size > static_cast<off_t>(limit)) return EFBIG;
+  // One byte more than the file should hold, so that its end shows without another round.
+  std::size_t room = static_cast<std::size_t>(status.st_size) + 1;
+  std::size_t length = 0;
+  for (;;) {
+    text.resize(length + room);
+    const ssize_t count = ::read(file.Number(), text.data() + length, room);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return errno;
+    if (count == 0) break;
+    length += static_cast<std::size_t>(count);
+    if (length > limit) return EFBIG;
+    constexpr std::size_t kStep = 64 * 1024;
+    room = kStep;
+  }
+  text.resize(length);
+  return 0;
+}
+
+bool IsNameOfOneFolder(std::string_view name) {
+  return !name.empty() && name.size() <= NAME_MAX && name != "." && name != ".." &&
+         name.find('/') == std::string_view::npos && name.find('\0') == std::string_view::npos;
+}
+
+}  // namespace
+
+std::string LinuxFileManager::CurrentDirectoryPath() const {
+  std::error_code error;
+  return fs::current_path(error).string();
+}
+
+FileType LinuxFileManager::TypeOfItem(const std::string& path) const {
+  if (FaultOfPath(path) != 0) return FileType::Missing;
+  std::error_code error;
+  return TypeOf(fs::status(path, error).type());
+}
+
+bool LinuxFileManager::IsWritable(const std::string& path) const {
+  return FaultOfPath(path) == 0 && ::access(path.c_str(), W_OK) == 0;
+}
+
+bool LinuxFileManager::CreateDirectory(const std::string& path, Error* error) {
+  std::error_code failure(FaultOfPath(path), std::generic_category());
+  if (!failure) fs::create_directories(path, failure);
+  if (!failure) return true;
+  WriteFileError(error, "create the directory", path, failure.value());
+  return false;
+}
+
+bool LinuxFileManager::RemoveItem(const std::string& path, Error* error) {
+  std::error_code failure(FaultOfPath(path), std::generic_category());
+  if (!failure && fs::remove_all(path, failure) == 0 && !failure) {
+    failure = std::make_error_code(std::errc::no_such_file_or_directory);
+  }
+  if (!failure) return true;
+  WriteFileError(error, "remove", path, failure.value());
+  return false;
+}
+
+std::vector<DirectoryEntry> LinuxFileManager::ContentsOfDirectory(const std::string& path,
+                                                                  Error* error) const {
+  std::vector<DirectoryEntry> entries;
+  std::error_code failure(FaultOfPath(path), std::generic_category());
+  if (!failure) {
+    fs::directory_iterator entry(path, failure);
+    while (!failure && entry != fs::directory_iterator()) {
+      entries.push_back({entry->path().filename().string(), TypeOf(*entry)});
+      entry.increment(failure);
+    }
+  }
+  if (!failure) return entries;
+  WriteFileError(error, "list the directory", path, failure.value());
+  return {};
+}
+
+std::optional<FileAttributes> LinuxFileManager::AttributesOfItem(const std::string& path) const {
+  struct stat status {};
+  if (FaultOfPath(path) != 0 || ::stat(path.c_str(), &status) != 0) return std::nullopt;
+  const auto sinceEpoch = std::chrono::seconds(status.st_mtim.tv_sec) +
+                          std::chrono::nanoseconds(status.st_mtim.tv_nsec);
+  return FileAttributes{
+      .size = status.st_size,
+      .modified = std::chrono::system_clock::time_point(
+          std::chrono::duration_cast<std::chrono::system_clock::duration>(sinceEpoch))};
+}
+
+std::optional<std::string> LinuxFileManager::ReadText(const std::string& path, Error* error) const {
+  constexpr std::size_t kLargestText = std::size_t{256} << 20;
+  constexpr const char* kAction = "read the file";
+  const FileDescriptor file = Open(path, O_RDONLY);
+  std::string text;
+  const int failure = file.IsOpen() ? ReadAll(file, kLargestText, text) : errno;
+  if (failure == EFBIG) {
+    WriteFileError(error, kAction, path, failure, "It is larger than 256 MiB");
+  } else if (failure == ENOTSUP) {
+    WriteFileError(error, kAction, path, failure, "It is no regular file");
+  } else if (failure != 0) {
+    WriteFileError(error, kAction, path, failure);
+  } else if (!IsValidUtf8(text)) {
+    WriteFileError(error, kAction, path, EILSEQ, "It is not UTF-8 text");
+  } else {
+    return text;
+  }
+  return std::nullopt;
+}
+
+bool LinuxFileManager::CreateFile(const std::string& path) {
+  return Open(path, O_WRONLY | O_CREAT | O_TRUNC).IsOpen();
+}
+
+std::unique_ptr<FileHandle> LinuxFileManager::OpenForReading(const std::string& path) {
+  FileDescriptor file = Open(path, O_RDONLY);
+  if (!file.IsOpen() || IsDirectory(file)) return nullptr;
+  return std::make_unique<LinuxFileHandle>(std::move(file), path);
+}
+
+std::unique_ptr<FileHandle> LinuxFileManager::OpenForWriting(const std::string& path) {
+  FileDescriptor file = Open(path, O_WRONLY);
+  if (!file.IsOpen()) return nullptr;
+  return std::make_unique<LinuxFileHandle>(std::move(file), path);
+}
+
+std::string LinuxFileManager::CachesDirectory() const {
+  const std::string home = UserCacheHome();
+  return home.empty() ? home : home + '/' + ProgramName();
+}
+
+std::string LinuxFileManager::GroupContainerDirectory(const std::string& group) const {
+  if (!IsNameOfOneFolder(group)) return {};
+  const std::string home = UserDataHome();
+  return home.empty() ? home : home + "/group-containers/" + group;
+}
+
+}  // namespace Platform

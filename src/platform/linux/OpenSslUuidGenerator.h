@@ -1,0 +1,12 @@
+#pragma once
+
+#include "QEXCore_iOS/Platform/Uuid.h"
+
+namespace Platform {
+
+class OpenSslUuidGenerator final : public UuidGenerator {
+ public:
+  UuidBytes Random() override;
+};
+
+}  // namespace Platform

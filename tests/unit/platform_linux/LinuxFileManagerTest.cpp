@@ -1,0 +1,172 @@
+#include <filesystem>
+#include <functional>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "platform/linux/LinuxFileManager.h"
+#include "support/ScopedEnvironment.h"
+#include "support/TemporaryDirectory.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using Platform::Error;
+using Platform::LinuxFileManager;
+using testing::HasSubstr;
+using TestSupport::ScopedEnvironment;
+using TestSupport::TemporaryDirectory;
+
+TEST(LinuxFileManager, PutsCachesIntoAFolderOfTheProgram) {
+  const ScopedEnvironment home("HOME", "/home/someone");
+  const ScopedEnvironment caches("XDG_CACHE_HOME", std::nullopt);
+  EXPECT_EQ(LinuxFileManager().CachesDirectory(), "/home/someone/.cache/platform_linux_unit");
+}
+
+TEST(LinuxFileManager, PrefersTheCacheDirectoryOfTheEnvironment) {
+  const ScopedEnvironment home("HOME", "/home/someone");
+  const ScopedEnvironment caches("XDG_CACHE_HOME", "/caches");
+  EXPECT_EQ(LinuxFileManager().CachesDirectory(), "/caches/platform_linux_unit");
+}
+
+TEST(LinuxFileManager, IgnoresRelativeDirectoriesOfTheEnvironment) {
+  const ScopedEnvironment home("HOME", "/home/someone");
+  const ScopedEnvironment caches("XDG_CACHE_HOME", "caches");
+  const ScopedEnvironment data("XDG_DATA_HOME", "data");
+  EXPECT_EQ(LinuxFileManager().CachesDirectory(), "/home/someone/.cache/platform_linux_unit");
+  EXPECT_EQ(LinuxFileManager().GroupContainerDirectory("g"),
+            "/home/someone/.local/share/group-containers/g");
+}
+
+TEST(LinuxFileManager, NamesNoDirectoriesForAUserWithoutAHome) {
+  for (const std::optional<std::string>& value :
+       {std::optional<std::string>(), std::optional<std::string>(""),
+        std::optional<std::string>("somewhere")}) {
+    const ScopedEnvironment home("HOME", value);
+    const ScopedEnvironment caches("XDG_CACHE_HOME", value);
+    const ScopedEnvironment data("XDG_DATA_HOME", value);
+    EXPECT_EQ(LinuxFileManager().CachesDirectory(), "");
+    EXPECT_EQ(LinuxFileManager().GroupContainerDirectory("group"), "");
+  }
+}
+
+TEST(LinuxFileManager, CreatesNeitherCachesNorContainers) {
+  const TemporaryDirectory folder;
+  const ScopedEnvironment caches("XDG_CACHE_HOME", folder.Path());
+  const ScopedEnvironment data("XDG_DATA_HOME", folder.Path());
+  EXPECT_EQ(LinuxFileManager().GroupContainerDirectory("group.com.example"),
+            folder.PathOf("group-containers/group.com.example"));
+  EXPECT_NE(LinuxFileManager().CachesDirectory(), "");
+  EXPECT_TRUE(fs::is_empty(folder.Path()));
+}
+
+TEST(LinuxFileManager, HasNoContainerForANameThatIsNoFileName) {
+  const ScopedEnvironment data("XDG_DATA_HOME", "/data");
+  EXPECT_EQ(LinuxFileManager().GroupContainerDirectory(std::string("a\0b", 3)), "");
+  EXPECT_EQ(LinuxFileManager().GroupContainerDirectory(std::string(256, 'g')), "");
+  EXPECT_NE(LinuxFileManager().GroupContainerDirectory(std::string(255, 'g')), "");
+  EXPECT_EQ(LinuxFileManager().GroupContainerDirectory(std::string(10'000'000, 'g')), "");
+}
+
+TEST(LinuxFileManager, NamesNoCurrentDirectoryOnceThatIsGone) {
+  const fs::path former = fs::current_path();
+  {
+    const TemporaryDirectory folder;
+    fs::current_path(folder.Path());
+  }
+  EXPECT_EQ(LinuxFileManager().CurrentDirectoryPath(), "");
+  Error error;
+  EXPECT_FALSE(LinuxFileManager().CreateDirectory("below", &error));
+  EXPECT_THAT(error.LocalizedDescription(), HasSubstr("\"below\": No such file or directory."));
+  fs::current_path(former);
+}
+
+TEST(LinuxFileManager, RemovesTreesDeeperThanAPathCanName) {
+  const TemporaryDirectory folder;
+  const fs::path former = fs::current_path();
+  fs::current_path(folder.Path());
+  ASSERT_EQ(::mkdir("tree", 0700), 0);
+  fs::current_path("tree");
+  for (int level = 0; level < 500; ++level) {
+    const std::string name(20, 'd');
+    ASSERT_EQ(::mkdir(name.c_str(), 0700), 0);
+    ASSERT_EQ(::chdir(name.c_str()), 0);
+  }
+  fs::current_path(former);
+  Error error;
+  EXPECT_TRUE(LinuxFileManager().RemoveItem(folder.PathOf("tree"), &error))
+      << error.LocalizedDescription();
+  EXPECT_TRUE(fs::is_empty(folder.Path()));
+}
+
+// Runs `look` in a process of a user who owns nothing here, and gives what it returns.
+bool AsStranger(const std::function<bool()>& look) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    constexpr uid_t kNobody = 65534;
+    if (::geteuid() == 0 && (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0)) ::_exit(2);
+    ::_exit(look() ? 0 : 1);
+  }
+  int status = 0;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) < 2);
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+class LinuxFileManagerWithoutPermission : public testing::Test {
+ protected:
+  // A folder and a file in it that only the superuser may write, and a file that only they may
+  // read.
+  LinuxFileManagerWithoutPermission() {
+    readable_ = folder_.WriteFile("locked/readable", "x");
+    secret_ = folder_.WriteFile("locked/secret", "x");
+    ::chmod(readable_.c_str(), 0444);
+    ::chmod(secret_.c_str(), 0);
+    ::chmod(folder_.Path().c_str(), 0755);
+    ::chmod(folder_.PathOf("locked").c_str(), 0555);
+  }
+  ~LinuxFileManagerWithoutPermission() override { ::chmod(folder_.PathOf("locked").c_str(), 0755); }
+
+  TemporaryDirectory folder_;
+  std::string readable_;
+  std::string secret_;
+};
+
+TEST_F(LinuxFileManagerWithoutPermission, CanWriteNothing) {
+  EXPECT_FALSE(AsStranger([&] { return LinuxFileManager().IsWritable(folder_.PathOf("locked")); }));
+  EXPECT_FALSE(AsStranger([&] { return LinuxFileManager().IsWritable(readable_); }));
+  EXPECT_FALSE(AsStranger([&] { return LinuxFileManager().CreateFile(readable_); }));
+  EXPECT_FALSE(AsStranger([&] { return LinuxFileManager().OpenForWriting(readable_) != nullptr; }));
+}
+
+TEST_F(LinuxFileManagerWithoutPermission, ReadsOnlyWhatItMay) {
+  EXPECT_TRUE(AsStranger([&] { return LinuxFileManager().ReadText(readable_, nullptr) == "x"; }));
+  EXPECT_TRUE(AsStranger([&] { return LinuxFileManager().OpenForReading(readable_) != nullptr; }));
+  EXPECT_FALSE(AsStranger([&] { return LinuxFileManager().OpenForReading(secret_) != nullptr; }));
+}
+
+TEST_F(LinuxFileManagerWithoutPermission, SaysThatPermissionIsMissing) {
+  const std::string below = folder_.PathOf("locked/new");
+  const auto isDenied = [](const Error& error, const std::string& path) {
+    return error.Code() == EACCES &&
+           error.LocalizedDescription().ends_with("\"" + path + "\": Permission denied.");
+  };
+  EXPECT_TRUE(AsStranger([&] {
+    Error error;
+    return !LinuxFileManager().CreateDirectory(below, &error) && isDenied(error, below);
+  }));
+  EXPECT_TRUE(AsStranger([&] {
+    Error error;
+    return !LinuxFileManager().RemoveItem(readable_, &error) && isDenied(error, readable_);
+  }));
+  EXPECT_TRUE(AsStranger([&] {
+    Error error;
+    return !LinuxFileManager().ReadText(secret_, &error) && isDenied(error, secret_);
+  }));
+}
+
+}  // namespace
