@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+
+struct sqlite3;
+
+namespace Velmora {
+
+// Owns one SQLite connection, which closes with the object, also where opening it failed. Belongs
+// to one thread at a time.
+class SqlDb {
+ public:
+  SqlDb() = default;
+  ~SqlDb();
+  SqlDb(const SqlDb&) = delete;
+  SqlDb& operator=(const SqlDb&) = delete;
+
+  // Opens the file, and makes it when it is missing; an empty path gives a private temporary
+  // database. False when that fails, and at once for a path that holds a zero byte. To be called
+  // once.
+  bool Open(const std::string& path);
+
+  // What SQLite says about the last call on the connection.
+  std::string ErrorMessage() const;
+
+  // Null unless opened.
+  sqlite3* Get() const { return connection_; }
+
+ private:
+  sqlite3* connection_ = nullptr;
+  int openResult_ = 0;
+};
+
+}  // namespace Velmora

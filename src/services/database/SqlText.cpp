@@ -1,0 +1,99 @@
+#include "services/database/SqlText.h"
+
+#include <string_view>
+
+namespace Velmora::SqlText {
+namespace {
+
+constexpr std::string_view kSeparator = ", ";
+
+std::string WithoutLastSeparator(std::string list) {
+  if (!list.empty()) list.resize(list.size() - kSeparator.size());
+  return list;
+}
+
+std::string ColumnsOf(const Query& query) {
+  std::string columns;
+  for (const std::string& column : query.GetColumns()) columns.append(column).append(kSeparator);
+  return columns.empty() ? "*" : WithoutLastSeparator(std::move(columns));
+}
+
+void AppendClause(std::string_view keyword, const std::string& clause, std::string& sql) {
+  if (!clause.empty()) sql.append(keyword).append(clause).append(" ");
+}
+
+}  // namespace
+
+std::string SubstituteArguments(const std::string& clause,
+                                const std::vector<std::string>& arguments) {
+  std::string text;
+  // What is still to be searched, the foremost piece last.
+  std::vector<std::string_view> pieces = {clause};
+  auto argument = arguments.begin();
+  while (!pieces.empty()) {
+    std::string_view& piece = pieces.back();
+    const std::size_t mark = argument == arguments.end() ? std::string_view::npos : piece.find('?');
+    text += piece.substr(0, mark);
+    if (mark == std::string_view::npos) {
+      pieces.pop_back();
+    } else {
+      piece.remove_prefix(mark + 1);
+      pieces.emplace_back(*argument++);
+    }
+  }
+  return text;
+}
+
+std::string TableExists(const std::string& table) {
+  return "SELECT name FROM sqlite_master WHERE type='table' AND name='" + table + "'";
+}
+
+std::string Insert(const std::string& table,
+                   const std::map<std::string, std::shared_ptr<Variant>>& values) {
+  std::string columns;
+  std::string placeholders;
+  for (const auto& [column, value] : values) {
+    columns.append(column).append(kSeparator);
+    placeholders.append("?").append(kSeparator);
+  }
+  return "INSERT INTO " + table + " (" + WithoutLastSeparator(std::move(columns)) + ") VALUES (" +
+         WithoutLastSeparator(std::move(placeholders)) + ");";
+}
+
+std::string Update(const std::string& table,
+                   const std::map<std::string, std::shared_ptr<Variant>>& values,
+                   const std::string& whereClause, const std::vector<std::string>& whereArgs) {
+  std::string assignments;
+  for (const auto& [column, value] : values) {
+    assignments.append(column).append("=?").append(kSeparator);
+  }
+  std::string sql = "Update " + table + " SET " + WithoutLastSeparator(std::move(assignments));
+  const std::string where = SubstituteArguments(whereClause, whereArgs);
+  if (!where.empty()) sql += " WHERE " + where;
+  return sql;
+}
+
+std::string Select(const Query& query) {
+  std::string sql = "SELECT " + ColumnsOf(query) + " FROM " + query.GetTable() + " ";
+  if (!query.GetSelection().empty()) {
+    sql += " WHERE " + SubstituteArguments(query.GetSelection(), query.GetSelectionArgs());
+  }
+  AppendClause(" GROUP BY ", query.GetGroupBy(), sql);
+  AppendClause(" HAVING ", query.GetHaving(), sql);
+  AppendClause(" ORDER BY ", query.GetOrderBy(), sql);
+  AppendClause(" LIMIT ", query.GetLimit(), sql);
+  return sql;
+}
+
+std::string Delete(const std::string& table, const std::string& whereClause,
+                   const std::vector<std::string>& whereArgs) {
+  std::string sql = "DELETE FROM " + table;
+  // Unlike in an update the clause decides as it was given, so one that its arguments make empty is
+  // a mistake instead of a deletion of every row.
+  if (!whereClause.empty()) sql += " WHERE " + SubstituteArguments(whereClause, whereArgs);
+  return sql;
+}
+
+std::string DropTable(const std::string& table) { return "DROP TABLE IF EXISTS " + table; }
+
+}  // namespace Velmora::SqlText
