@@ -1,0 +1,29 @@
+#include "bridge/ServiceFactories.h"
+
+#include "services/database/NativeDatabaseService.h"
+#include "services/datastore/NativeLocalStorageService.h"
+#include "services/filesystem/NativeFileSystemService.h"
+#include "services/json/NativeJsonUtilityService.h"
+#include "services/system/NativeCryptoService.h"
+#include "services/system/NativeEncodingService.h"
+#include "services/system/NativeLoggingService.h"
+#include "services/system/NativeSystemInfoService.h"
+#include "services/system/NativeUrlService.h"
+
+namespace Velmora {
+
+ServiceFactories NativeServiceFactories() {
+  ServiceFactories factories;
+  factories.crypto = CreateNativeCryptoService;
+  factories.systemInfo = CreateNativeSystemInfoService;
+  factories.database = CreateNativeDatabaseService;
+  factories.encoding = CreateNativeEncodingService;
+  factories.fileSystem = CreateNativeFileSystemService;
+  factories.jsonUtility = CreateNativeJsonUtilityService;
+  factories.localStorage = CreateNativeLocalStorageService;
+  factories.logging = CreateNativeLoggingService;
+  factories.url = CreateNativeUrlService;
+  return factories;
+}
+
+}  // namespace Velmora
