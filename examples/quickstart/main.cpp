@@ -1,6 +1,6 @@
-#include <QEXCore_iOS/QEXCore.h>
-
 #include <iostream>
+
+#include <QEXCore_iOS/QEXCore.h>
 
 int main() {
   QEXCore::setLogLevel(QEXMobileLogLevel::warning);

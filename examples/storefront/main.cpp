@@ -8,7 +8,6 @@
 #include <string>
 
 #include <CLI/CLI.hpp>
-
 #include <QEXCore_iOS/GetCore.h>
 #include <QEXCore_iOS/QEXCore.h>
 #include <VelmoraCore/Core.h>

@@ -1,10 +1,10 @@
 // What an app needs of the library, and no more: one header and one library.
 
-#include <QEXCore_iOS/QEXCore.h>
-
 #include <cstdlib>
 #include <future>
 #include <iostream>
+
+#include <QEXCore_iOS/QEXCore.h>
 
 int main() {
   std::promise<void> started;
