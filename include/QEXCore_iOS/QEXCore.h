@@ -9,14 +9,14 @@
 #include "QEXCore_iOS/Platform/Value.h"
 
 // Whether the user lets the SDK collect data. Any other value counts as unknown.
-enum class QEXMobilePrivacyStatus : std::uint32_t {
+enum class QEXMobilePrivacyStatus : std::uint64_t {
   optedIn = 0,
   optedOut = 1,
   unknown = 2,
 };
 
 // How much the SDK logs: each level includes those before it. Any other value counts as error.
-enum class QEXMobileLogLevel : std::uint32_t {
+enum class QEXMobileLogLevel : std::uint64_t {
   error = 0,
   warning = 1,
   debug = 2,
@@ -43,7 +43,8 @@ class QEXCORE_API QEXCore {
   // The version of the SDK. Does not touch the core.
   static std::string extensionVersion();
 
-  // Takes the configuration that was published under the app id.
+  // Takes the configuration that was published under the app id. (This version of the core keeps
+  // the id and fetches nothing yet.)
   static void configureWithAppId(const std::optional<std::string>& appId);
 
   // Takes the configuration from a JSON file. A file that cannot be used changes nothing.
@@ -98,6 +99,7 @@ class QEXCORE_API QEXCore {
   // notification that was opened. Other entries are ignored.
   static void collectLaunchInfo(const Platform::Value& launchInfo);
 
-  // Fetches the rules anew.
+  // Fetches the rules anew. (This version of the core has nowhere to fetch them from yet and says
+  // so in the log.)
   static void downloadRules();
 };

@@ -7,7 +7,7 @@
 #include "QEXCore_iOS/Platform/Export.h"
 
 // How far the visitor behind an identifier is known.
-enum class QEXMobileVisitorAuthenticationState : std::uint32_t {
+enum class QEXMobileVisitorAuthenticationState : std::uint64_t {
   unknown = 0,
   authenticated = 1,
   loggedOut = 2,

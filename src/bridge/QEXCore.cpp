@@ -91,7 +91,8 @@ void QEXCore::start(std::function<void()> callback) {
 }
 
 void QEXCore::setAppGroup(const std::optional<std::string>& appGroup) {
-  GuardHostCall("setAppGroup", [&] { Velmora::AppInfo::SetAppGroup(appGroup); });
+  GuardHostCall("setAppGroup",
+                [&] { Velmora::AppInfo::SetAppGroup(Velmora::ToNSString(ToCppString(appGroup))); });
 }
 
 void QEXCore::setLogLevel(QEXMobileLogLevel level) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <type_traits>
 #include <vector>
 
 #include "QEXCore_iOS/Platform/Value.h"
@@ -29,6 +30,8 @@ class VariantBuilder {
     Platform::DictionaryEntries::Iterator lastEntry;
     VariantMap map;
   };
+  // Frames move when their list grows, and what lies in them must stay where it is.
+  static_assert(std::is_nothrow_move_constructible_v<Frame>);
 
   void Open(const Platform::Value& container, std::shared_ptr<Variant>* destination);
   void Run(const Platform::Value& outermost);

@@ -41,10 +41,13 @@ void LeftoverThreads::Adopt(FlaggedThread thread) {
   keeper.threads.push_back(std::move(thread));
 }
 
-void LeftoverThreads::JoinThoseDone() {
+bool LeftoverThreads::JoinThoseDone() {
   for (FlaggedThread& done : TakeThoseDone()) {
     done.thread.join();
   }
+  Keeper& keeper = Keeper::Instance();
+  const std::lock_guard<std::mutex> lock(keeper.mutex);
+  return keeper.threads.empty();
 }
 
 }  // namespace Velmora

@@ -20,8 +20,8 @@ class LeftoverThreads {
 
   static void Adopt(FlaggedThread thread);
 
-  // Joins those that are done; does not wait for the others.
-  static void JoinThoseDone();
+  // Joins those that are done; does not wait for the others. True when none is left.
+  static bool JoinThoseDone();
 };
 
 }  // namespace Velmora

@@ -93,10 +93,11 @@ std::shared_ptr<Core> Core::Create(const std::shared_ptr<PlatformServicesInterfa
     throw SdkError(ErrorCodes::kPlatformServicesMissingService, "a core needs platform services",
                    DebugInfo(kSourceLocation, __LINE__));
   }
-  UseLoggingServiceOf(*services);
   const std::shared_ptr<EventHub> hub = eventHub ? eventHub : EventHub::Create(services);
   for (std::unique_ptr<HubModule>& module : CreateCoreModules()) hub->AddModule(std::move(module));
   hub->Start();
+  // Only now: a core that could not be made must not leave its sink behind.
+  UseLoggingServiceOf(*services);
   return std::shared_ptr<Core>(new Core(std::make_unique<Impl>(services, hub)));
 }
 

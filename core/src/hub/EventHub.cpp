@@ -68,12 +68,10 @@ std::string NameOf(ExternalModuleInterface& module) {
   return name;
 }
 
-void TraceModule(ExternalModuleInterface& module, const std::string& name) {
-  if (!Log::Precheck(LoggingMode::Trace)) return;
-  TrySwallow([&] {
-    Log::Trace(kLogTag, "module %s, version %s, joins", name.c_str(),
-               Readable(module.GetModuleVersion()).c_str());
-  });
+std::string VersionOf(ExternalModuleInterface& module) {
+  std::string version;
+  TrySwallow([&] { version = Readable(module.GetModuleVersion()); });
+  return version;
 }
 
 }  // namespace
@@ -89,8 +87,8 @@ class EventHub::ModuleContext final : public HubContext {
   void Dispatch(std::shared_ptr<Event> event) override {
     hub_.PostFromInside(std::move(event), "");
   }
-  void SetSharedState(const std::string& json, const std::shared_ptr<Event>& event) override {
-    hub_.EventHub::SetSharedState(name_, json, event);
+  bool SetSharedState(const std::string& json, const std::shared_ptr<Event>& event) override {
+    return hub_.EventHub::SetSharedState(name_, json, event);
   }
   std::shared_ptr<std::string> GetSharedState(const std::string& owner,
                                               const std::shared_ptr<Event>& event) override {
@@ -263,6 +261,9 @@ std::optional<SdkError> EventHub::RegisterModule(
                     DebugInfo(kSourceLocation, __LINE__));
   }
   if (isDisposed_) return Disposed(__LINE__);
+  // Asked now, since from its start on the module belongs to its own thread.
+  const std::string version =
+      Log::Precheck(LoggingMode::Trace) ? VersionOf(*module) : std::string();
   JoinEnded();
   const auto host = std::make_shared<ExternalModuleHost>(module, name, shared_from_this(),
                                                          AcceptedCount(), limits_.moduleEvents);
@@ -279,7 +280,7 @@ std::optional<SdkError> EventHub::RegisterModule(
   }
   // Dispose may have looked for modules before this one was there.
   if (isDisposed_) host->Stop();
-  TraceModule(*module, name);
+  Log::Trace(kLogTag, "module %s, version %s, joins", name.c_str(), version.c_str());
   return std::nullopt;
 }
 

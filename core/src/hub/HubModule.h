@@ -23,8 +23,9 @@ class HubContext {
   // Puts an event in line behind those that wait. One that finds no room is dropped and counted.
   virtual void Dispatch(std::shared_ptr<Event> event) = 0;
 
-  // Publishes the module's state as JSON text, valid from `event` on.
-  virtual void SetSharedState(const std::string& json, const std::shared_ptr<Event>& event) = 0;
+  // Publishes the module's state as JSON text, valid from `event` on. False, and the state before
+  // stays, when the text is too long.
+  virtual bool SetSharedState(const std::string& json, const std::shared_ptr<Event>& event) = 0;
 
   // The state of a module as it stood at `event`; an empty pointer when it had none.
   virtual std::shared_ptr<std::string> GetSharedState(const std::string& owner,

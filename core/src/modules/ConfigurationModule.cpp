@@ -105,8 +105,10 @@ bool ConfigurationModule::Publish(const VariantMap& configuration, const EventPo
   state.insert_or_assign(EventKeys::kPrivacyStatus, ToVariant(Status(configuration)));
   const std::optional<std::string> text =
       JsonText::Write(hub_->Services(), state, kLogTag, "the configuration cannot be shared");
-  if (text.has_value()) hub_->SetSharedState(*text, event);
-  return text.has_value() || hub_->Services().GetJsonUtilityService() == nullptr;
+  if (!text.has_value()) return hub_->Services().GetJsonUtilityService() == nullptr;
+  if (hub_->SetSharedState(*text, event)) return true;
+  Log::Error(kLogTag, "the configuration cannot be shared: it is too long");
+  return false;
 }
 
 MobilePrivacyStatus ConfigurationModule::Status(const VariantMap& configuration) const {

@@ -72,7 +72,8 @@ std::mutex& StandardErrorMutex() {
 bool WaitUntilWritable() {
   constexpr int kPatienceInMilliseconds = 100;
   pollfd request{.fd = STDERR_FILENO, .events = POLLOUT, .revents = 0};
-  return ::poll(&request, 1, kPatienceInMilliseconds) > 0;
+  const int ready = ::poll(&request, 1, kPatienceInMilliseconds);
+  return ready > 0 || (ready < 0 && errno == EINTR);
 }
 
 void WriteToStandardError(std::string_view text) {

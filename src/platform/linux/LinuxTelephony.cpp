@@ -7,6 +7,7 @@
 #include <gio/gio.h>
 
 #include "platform/linux/GlibPointers.h"
+#include "platform/linux/PlainText.h"
 
 namespace Platform {
 namespace {
@@ -132,7 +133,10 @@ std::optional<ModemInfo> ModemOf(GVariant* interfaces) {
   if (!properties) return modem;
   modem.is3gpp = true;
   const GVariantPointer name = Lookup(properties.get(), "OperatorName", "s");
-  if (name) modem.operatorName = g_variant_get_string(name.get(), nullptr);
+  // The network chose the name.
+  if (name) {
+    modem.operatorName = PlainText(g_variant_get_string(name.get(), nullptr)).value_or("");
+  }
   return modem;
 }
 

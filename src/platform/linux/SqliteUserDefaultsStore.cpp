@@ -72,7 +72,7 @@ const Value* SqliteUserDefaultsStore::FindCached(const std::string& key) const {
 
 Value SqliteUserDefaultsStore::Read(const std::string& key) {
   Value value;
-  Attempt(Task::Read, [&] {
+  const bool done = Attempt(Task::Read, [&] {
     const std::uint64_t before = generation_->Load();
     std::size_t size = 0;
     value = database_->Find(key, size);
@@ -86,7 +86,7 @@ Value SqliteUserDefaultsStore::Read(const std::string& key) {
     }
     return true;
   });
-  return value;
+  return done ? value : Value();
 }
 
 std::vector<std::string> SqliteUserDefaultsStore::KeysWithPrefix(const std::string& prefix) {

@@ -47,7 +47,8 @@ std::string ChooseCacheDirectory(Platform::FileManager& files) {
   return TextOf(files.CachesDirectory());
 }
 
-// The start of `name`, at most `limit` bytes long, that ends with a whole character.
+// The start of `name`, at most `limit` bytes long, that is well-formed and ends with a whole
+// character.
 std::string_view CutName(std::string_view name, std::size_t limit) {
   std::size_t end = 0;
   while (end < name.size()) {
@@ -237,11 +238,11 @@ std::string NativeSystemInfoService::GetDefaultUserAgent() const {
 }
 
 void NativeSystemInfoService::SetCurrentThreadName(const std::string& name) const {
-  const std::optional<std::string_view> text = ToNSStringView(name);
-  if (!text) return;
+  const std::string text(CutName(std::string_view(name.c_str()), kMaximumThreadName));
+  if (text.empty()) return;
   AskHost(
       [&](const Host& host) {
-        host.processInfo->SetCurrentThreadName(std::string(CutName(*text, kMaximumThreadName)));
+        host.processInfo->SetCurrentThreadName(text);
         return true;
       },
       false);

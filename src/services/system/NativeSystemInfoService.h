@@ -12,7 +12,8 @@
 namespace Velmora {
 
 // Tells the core about the application and its device. May be called on any thread; a device that
-// fails leaves texts empty, the carrier "Unknown" and the network status unknown.
+// fails leaves texts empty and the carrier "Unknown"; the network counts as not connected when it
+// cannot be looked at, and as unknown when its flags cannot be read.
 //
 // The system's name and version, the run mode and the user agent are found out once for the
 // process and stay as they were first read.

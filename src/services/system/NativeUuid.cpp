@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <random>
 
 #include "services/system/AskHost.h"
@@ -32,11 +33,16 @@ Platform::UuidBytes MadeUpBytes() {
   return WithVersionAndVariant(bytes);
 }
 
+Platform::UuidBytes RandomBytes() {
+  using Random = std::optional<Platform::UuidBytes>;
+  const Random random = AskHost(
+      [](const Platform::Host& host) -> Random { return host.uuidGenerator->Random(); }, Random());
+  return random ? *random : MadeUpBytes();
+}
+
 }  // namespace
 
-NativeUuid::NativeUuid()
-    : bytes_(AskHost([](const Platform::Host& host) { return host.uuidGenerator->Random(); },
-                     MadeUpBytes())) {}
+NativeUuid::NativeUuid() : bytes_(RandomBytes()) {}
 
 std::string NativeUuid::GetString() const {
   constexpr char kDigits[] = "0123456789ABCDEF";

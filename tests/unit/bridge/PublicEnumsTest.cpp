@@ -26,6 +26,8 @@ TEST(PublicEnums, EveryOtherPrivacyStatusIsUnknown) {
     EXPECT_EQ(ToQEXMobilePrivacyStatus(static_cast<MobilePrivacyStatus>(status)),
               QEXMobilePrivacyStatus::unknown);
   }
+  EXPECT_EQ(ToMobilePrivacyStatus(static_cast<QEXMobilePrivacyStatus>(0x100000000U)),
+            MobilePrivacyStatus::Unknown);
 }
 
 TEST(PublicEnums, LogLevelsAreMappedAndOthersAreError) {
@@ -33,7 +35,7 @@ TEST(PublicEnums, LogLevelsAreMappedAndOthersAreError) {
     EXPECT_EQ(ToLoggingMode(static_cast<QEXMobileLogLevel>(level)),
               static_cast<LoggingMode>(level));
   }
-  for (const int level : {4, 7, 256, 0x7FFFFFFF, -1}) {
+  for (const std::int64_t level : {4LL, 7LL, 256LL, 0x7FFFFFFFLL, 0x100000001LL, -1LL}) {
     EXPECT_EQ(ToLoggingMode(static_cast<QEXMobileLogLevel>(level)), LoggingMode::Error);
   }
 }

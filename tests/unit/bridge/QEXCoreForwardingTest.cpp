@@ -143,6 +143,8 @@ TEST_F(QEXCoreForwarding, SetAppGroupDoesNotMakeTheCore) {
   QEXCore::setAppGroup("group.shop");
   EXPECT_EQ(Velmora::AppInfo::GetAppGroup(), "group.shop");
   EXPECT_THAT(RecordingCore::Operations(), IsEmpty());
+  QEXCore::setAppGroup(std::string("group.shop\0more", 15));
+  EXPECT_EQ(Velmora::AppInfo::GetAppGroup(), "group.shop");
   QEXCore::setAppGroup(std::nullopt);
   EXPECT_EQ(Velmora::AppInfo::GetAppGroup(), std::nullopt);
 }

@@ -196,6 +196,13 @@ TEST_F(NativeSystemInfoDevice, CutsNoCharacterOfAThreadNameInTwo) {
   EXPECT_EQ(names[0].second, "12345678901234");
 }
 
+TEST_F(NativeSystemInfoDevice, KeepsTheStartOfAThreadNameThatIsMalformedBehindIt) {
+  service->SetCurrentThreadName("123456789012345\xFF");
+  const auto names = host.processInfo->ThreadNames();
+  ASSERT_EQ(names.size(), 1U);
+  EXPECT_EQ(names[0].second, "123456789012345");
+}
+
 TEST_F(NativeSystemInfoDevice, LeavesTheThreadsNameForAnEmptyOrMalformedOne) {
   service->SetCurrentThreadName("");
   service->SetCurrentThreadName("\xFF");

@@ -159,6 +159,17 @@ TEST_F(ConfigurationModuleTest, AnUpdateThatCannotBeWrittenChangesNothing) {
   EXPECT_EQ(StateOf("configuration"), R"({"kept":"yes","privacyStatus":2})");
 }
 
+TEST_F(ConfigurationModuleTest, AnUpdateTooLongToBeSharedIsRefusedAndAnOptOutStillIsShared) {
+  StartCore();
+  core->UpdateConfiguration({{"kept", Variant::FromString("yes")}});
+  core->UpdateConfiguration({{"huge", Variant::FromString(std::string(17'000'000, 'x'))}});
+  core->SetPrivacyStatus(MobilePrivacyStatus::OptedOut);
+  Settle();
+  EXPECT_TRUE(log.WaitForLine(LogLevel::Error, "Configuration",
+                              "the configuration cannot be shared: it is too long"));
+  EXPECT_EQ(StateOf("configuration"), R"({"kept":"yes","privacyStatus":1})");
+}
+
 TEST_F(ConfigurationModuleTest, ARequestFromOutsideMayBeAnything) {
   StartCore();
   log.AllowLines(LogLevel::Debug, "Configuration",

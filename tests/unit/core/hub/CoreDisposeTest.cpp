@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "VelmoraCore/ErrorCodes.h"
+#include "base/LeftoverThreads.h"
 #include "unit/core/hub/CoreFixture.h"
 
 namespace {
@@ -141,6 +142,7 @@ TEST_F(CoreDisposeTest, TheLastOwnerMayBeAListener) {
   gate->Open();
   EXPECT_TRUE(WaitUntil([&] { return watch.expired(); }));
   EXPECT_TRUE(module->WaitForCalls({"register", "unregister"}));
+  EXPECT_TRUE(WaitUntil([] { return Velmora::LeftoverThreads::JoinThoseDone(); }));
 }
 
 TEST_F(CoreDisposeTest, ManyCoresMayLiveSideBySide) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "VelmoraCore/ErrorCodes.h"
+#include "base/LeftoverThreads.h"
 #include "support/Guarded.h"
 #include "unit/core/hub/HubFixture.h"
 
@@ -43,7 +44,7 @@ TEST_F(EventHubDisposeTest, DropsWhatIsLeftAtTheDeadlineAndCountsIt) {
   const auto slow = std::make_shared<RecordingListener>([gate](const auto&) { gate->Pass(); });
   const auto module = RegisterWith("slow", slow);
   const auto quick = std::make_shared<RecordingListener>();
-  RegisterWith("quick", quick);
+  RegisterWith("stopped last", quick);
   for (int count = 0; count < 10; ++count) EXPECT_EQ(Dispatch(NewEvent("event")), "");
   gate->AwaitArrivals();
   EXPECT_TRUE(quick->WaitForCount(10));
@@ -166,6 +167,7 @@ TEST_F(EventHubDisposeTest, TheHubMayGoOnOneOfItsOwnThreads) {
   hub = nullptr;
   gate->Open();
   EXPECT_TRUE(WaitUntil([&] { return watch.expired(); }));
+  EXPECT_TRUE(WaitUntil([] { return Velmora::LeftoverThreads::JoinThoseDone(); }));
 }
 
 TEST_F(EventHubDisposeTest, DoesNotWaitForAModuleThatWaitsForItsPredecessor) {

@@ -147,6 +147,7 @@ TEST(SerialQueue, MayBeDestroyedOnItsOwnThread) {
   owner->queue.Push(1, Admission::Refusable);
   owner = nullptr;
   EXPECT_TRUE(TestSupport::WaitUntil([&] { return isGone->load(); }));
+  EXPECT_TRUE(TestSupport::WaitUntil([] { return Velmora::LeftoverThreads::JoinThoseDone(); }));
 }
 
 TEST(SerialQueue, LosesNothingBetweenManyThreads) {
