@@ -2,14 +2,6 @@
 
 #include <stdexcept>
 
-// For the thread sanitizer, in test programs with a bus: the event descriptors of main contexts and
-// the messages of D-Bus, which GLib's own thread opens, reads and closes under locks that the
-// sanitizer does not see, in functions without names. Without the sanitizer nobody calls this.
-extern "C" __attribute__((visibility("default"))) const char* __tsan_default_suppressions();
-extern "C" const char* __tsan_default_suppressions() {
-  return "race:^eventfd$\nrace:^close$\nrace:^recvmsg$\n";
-}
-
 namespace TestSupport {
 namespace {
 
