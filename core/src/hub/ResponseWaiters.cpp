@@ -45,6 +45,7 @@ std::vector<ResponseWaiters::Callback> ResponseWaiters::Take(const std::string& 
   const auto [first, last] = tickets_.equal_range(requestId);
   std::for_each(first, last, [&found](const auto& entry) { found.push_back(entry.second); });
   std::sort(found.begin(), found.end());
+  callbacks.reserve(found.size());
   for (const std::int64_t ticket : found) callbacks.push_back(Extract(waiters_.find(ticket)));
   return callbacks;
 }

@@ -18,7 +18,7 @@ namespace Velmora {
 class SharedStates {
  public:
   static constexpr std::size_t kMaxVersions = 1'000;
-  static constexpr std::size_t kMaxBytes = 16U * 1024 * 1024;
+  static constexpr std::size_t kMaxBytes = std::size_t{16} * 1024 * 1024;
 
   // Sets the state that is valid from `number` on, in the place of one set for the same number.
   // The empty text is a state that is pending. A text longer than kMaxBytes is refused: false.

@@ -14,7 +14,7 @@ namespace Platform {
 // straight down.
 class LinuxFileHandle final : public FileHandle {
  public:
-  static constexpr std::size_t kReadAhead = 64 * 1024;
+  static constexpr std::size_t kReadAhead = std::size_t{64} * 1024;
 
   // `file` is open; `path` is named in errors.
   LinuxFileHandle(FileDescriptor file, std::string path);

@@ -88,7 +88,7 @@ int ReadAll(const FileDescriptor& file, std::size_t limit, std::string& text) {
     if (count == 0) break;
     length += static_cast<std::size_t>(count);
     if (length > limit) return EFBIG;
-    constexpr std::size_t kStep = 64 * 1024;
+    constexpr std::size_t kStep = std::size_t{64} * 1024;
     room = kStep;
   }
   text.resize(length);

@@ -62,7 +62,7 @@ std::string DescribeFrame(std::size_t number, void* frame) {
   const auto address = reinterpret_cast<std::uintptr_t>(frame);
   Dl_info info{};
   // A return address may already lie behind the end of the function that does not return.
-  const bool isKnown = ::dladdr(reinterpret_cast<void*>(address - 1), &info) != 0;
+  const bool isKnown = ::dladdr(static_cast<const char*>(frame) - 1, &info) != 0;
   const std::string file(isKnown ? FileNameOf(info.dli_fname) : "?");
   std::array<char, 64> place{};
   std::snprintf(place.data(), place.size(), " 0x%016llx ",
