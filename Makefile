@@ -1,11 +1,12 @@
 # The front door. `make demo` and `make test` are all that a newcomer needs.
 
-.PHONY: help setup demo test sanitize lint bench fuzz format
+.PHONY: help setup demo test sanitize lint tidy bench fuzz format
 
 help:
 	@echo "make demo      install what is missing, build, and run the sample app"
 	@echo "make test      the same set-up, then every test suite"
-	@echo "make lint      layers, formatting, clang's warnings, clang-tidy"
+	@echo "make lint      layers, formatting, clang's warnings"
+	@echo "make tidy      clang-tidy over every source"
 	@echo "make sanitize  the tests under the address, undefined-behaviour and thread sanitizers"
 	@echo "make bench     the figures beside their rivals, also in build/bench/bench.json"
 	@echo "make fuzz      two minutes of fuzzing for each target"
@@ -30,6 +31,9 @@ sanitize: setup
 
 lint: setup
 	@tools/lint
+
+tidy: setup
+	@tools/tidy
 
 bench: setup
 	@tools/build release

@@ -67,7 +67,7 @@ class SqliteUserDefaultsGeneration {
   void BeginIncarnation() noexcept;
 
  private:
-  struct Shared {
+  struct Shared {  // NOLINT(clang-analyzer-optin.performance.Padding): one cache line for each
     std::atomic<std::uint64_t> incarnation;
     alignas(64) std::atomic<std::uint64_t> generation;
   };
