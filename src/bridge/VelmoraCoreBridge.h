@@ -13,6 +13,9 @@ namespace Velmora {
 // GetInstance takes no lock: the first call in the process must return on one thread before other
 // threads call. From then on any thread may call everything but ResetInstance, which must not run
 // beside any other use of the bridge.
+//
+// When the process ends by exit or by returning from main, the core is disposed: what was accepted
+// before is still handled, for two seconds at most, and the core's threads are joined.
 class VelmoraCoreBridge : public virtual Object {
  public:
   // The bridge, never null. The first call makes the services, then the core, and then runs the
@@ -31,6 +34,8 @@ class VelmoraCoreBridge : public virtual Object {
   std::shared_ptr<PlatformServicesInterface> GetPlatformServices();
 
  private:
+  class ExitHandler;
+
   VelmoraCoreBridge();
 
   static VelmoraCoreBridge* instance_;

@@ -31,6 +31,11 @@ TYPED_TEST(ProcessInfoContractTest, DescribesEveryFrameOfTheStackOnOneLine) {
   }
 }
 
+TYPED_TEST(ProcessInfoContractTest, KeepsItsIdentifier) {
+  EXPECT_GT(this->processInfo_.ProcessIdentifier(), 0);
+  EXPECT_EQ(this->processInfo_.ProcessIdentifier(), this->processInfo_.ProcessIdentifier());
+}
+
 TYPED_TEST(ProcessInfoContractTest, TakesAnyThreadName) {
   std::thread thread([this] {
     for (const char* name : {"fifteen bytes!!", "", "a name that no system takes whole"}) {

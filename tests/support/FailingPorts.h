@@ -52,6 +52,7 @@ class FailingProcessInfo final : public Platform::ProcessInfo {
  public:
   std::string OperatingSystemVersionString() const override { FailDevice(); }
   std::vector<std::string> CallStackSymbols() const override { FailDevice(); }
+  std::int64_t ProcessIdentifier() const noexcept override { return 1; }
   void SetCurrentThreadName(const std::string&) override { FailDevice(); }
 };
 

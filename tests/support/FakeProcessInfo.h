@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <thread>
 #include <utility>
@@ -23,6 +24,7 @@ class FakeProcessInfo final : public Platform::ProcessInfo {
 
   std::string OperatingSystemVersionString() const override { return version_.Get(); }
   std::vector<std::string> CallStackSymbols() const override { return symbols_.Get(); }
+  std::int64_t ProcessIdentifier() const noexcept override { return 4711; }
   void SetCurrentThreadName(const std::string& name) override {
     threadNames_.With([&](auto& names) { names.emplace_back(std::this_thread::get_id(), name); });
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,10 @@ class QEXCORE_API ProcessInfo {
   // One text per frame of the calling thread's stack, the innermost first; empty where the system
   // keeps none.
   virtual std::vector<std::string> CallStackSymbols() const = 0;
+
+  // Tells this process from every other that runs: a copy that a process makes of itself gives
+  // another number.
+  virtual std::int64_t ProcessIdentifier() const noexcept = 0;
 
   // Names the calling thread, as debuggers and the kernel show it. The caller keeps to the
   // system's limit of 15 bytes.

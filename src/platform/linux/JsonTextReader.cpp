@@ -182,4 +182,9 @@ std::optional<std::string> ReadJsonText(std::string_view text, JsonVisitor& visi
   return std::nullopt;
 }
 
+void PrepareJsonReader() {
+  // A name can be had only from what has been made.
+  static_cast<void>(simdjson::get_active_implementation()->name());
+}
+
 }  // namespace Platform

@@ -13,4 +13,8 @@ namespace Platform {
 // calls, and the visitor may itself read JSON.
 std::optional<std::string> ReadJsonText(std::string_view text, JsonVisitor& visitor);
 
+// Lets what is made from now on still read JSON in its destructor when the process ends. simdjson
+// otherwise makes what it needs when first used, and so loses it early.
+void PrepareJsonReader();
+
 }  // namespace Platform

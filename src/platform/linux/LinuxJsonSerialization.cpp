@@ -32,6 +32,8 @@ void Store(Error* error, int code, std::string description) {
 
 }  // namespace
 
+LinuxJsonSerialization::LinuxJsonSerialization() { PrepareJsonReader(); }
+
 Value LinuxJsonSerialization::Parse(std::string_view text, Error* error) const {
   JsonValueBuilder builder;
   if (!Parse(text, builder, error)) return {};

@@ -17,6 +17,8 @@ class LinuxJsonSerialization : public JsonSerialization {
   static constexpr int kReadErrorCode = 1;
   static constexpr int kWriteErrorCode = 2;
 
+  LinuxJsonSerialization();
+
   Value Parse(std::string_view text, Error* error) const override;
   bool Parse(std::string_view text, JsonVisitor& visitor, Error* error) const override;
   bool IsValidJsonObject(const Value& value) const override;

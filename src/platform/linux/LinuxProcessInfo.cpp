@@ -15,6 +15,7 @@
 #include <execinfo.h>
 #include <pthread.h>
 #include <sys/utsname.h>
+#include <unistd.h>
 
 #include "platform/linux/OsRelease.h"
 
@@ -102,6 +103,8 @@ __attribute__((noinline)) std::vector<std::string> LinuxProcessInfo::CallStackSy
   }
   return symbols;
 }
+
+std::int64_t LinuxProcessInfo::ProcessIdentifier() const noexcept { return ::getpid(); }
 
 void LinuxProcessInfo::SetCurrentThreadName(const std::string& name) {
   ::pthread_setname_np(::pthread_self(), name.c_str());

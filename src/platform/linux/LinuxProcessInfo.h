@@ -19,6 +19,8 @@ class LinuxProcessInfo final : public ProcessInfo {
   // most the 128 innermost frames.
   std::vector<std::string> CallStackSymbols() const override;
 
+  std::int64_t ProcessIdentifier() const noexcept override;
+
   // A longer name than the system takes changes nothing.
   void SetCurrentThreadName(const std::string& name) override;
 

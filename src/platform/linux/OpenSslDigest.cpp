@@ -3,8 +3,11 @@
 #include <openssl/evp.h>
 
 #include "QEXCore_iOS/Platform/DeviceError.h"
+#include "platform/linux/OpenSslLifetime.h"
 
 namespace Platform {
+
+OpenSslDigest::OpenSslDigest() { KeepOpenSslAtExit(); }
 
 std::array<std::uint8_t, 32> OpenSslDigest::Sha256(std::string_view bytes) const {
   // Looking the method up costs more than hashing a short text. It stays until the process ends.

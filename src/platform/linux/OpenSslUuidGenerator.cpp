@@ -3,8 +3,11 @@
 #include <openssl/rand.h>
 
 #include "QEXCore_iOS/Platform/DeviceError.h"
+#include "platform/linux/OpenSslLifetime.h"
 
 namespace Platform {
+
+OpenSslUuidGenerator::OpenSslUuidGenerator() { KeepOpenSslAtExit(); }
 
 UuidBytes OpenSslUuidGenerator::Random() {
   UuidBytes bytes{};

@@ -6,6 +6,8 @@ namespace Platform {
 
 class OpenSslUuidGenerator final : public UuidGenerator {
  public:
+  OpenSslUuidGenerator();
+
   UuidBytes Random() override;
 };
 

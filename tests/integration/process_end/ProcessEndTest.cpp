@@ -1,0 +1,56 @@
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+namespace {
+
+constexpr int kEnded = 7;
+
+struct Ending {
+  int status = 0;
+  std::string output;
+};
+
+// Runs the app to its end; timeout(1) stops one that hangs.
+Ending RunApp(const std::string& way) {
+  const std::string command = "timeout 30 " APP " " + way + " 2>&1";
+  Ending ending;
+  std::FILE* pipe = ::popen(command.c_str(), "r");
+  if (pipe == nullptr) return ending;
+  std::array<char, 4096> buffer{};
+  while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe)) {
+    ending.output.append(buffer.data(), count);
+  }
+  ending.status = ::pclose(pipe);
+  return ending;
+}
+
+void ExpectCleanEnd(const Ending& ending) {
+  EXPECT_TRUE(WIFEXITED(ending.status)) << "status " << ending.status;
+  EXPECT_EQ(WEXITSTATUS(ending.status), kEnded);
+  EXPECT_EQ(ending.output, "");
+}
+
+TEST(ProcessEnd, FindsNoThreadOfTheSdkWhenStaticObjectsAreDestroyed) {
+  for (int run = 0; run < 10; ++run) ExpectCleanEnd(RunApp("return"));
+}
+
+TEST(ProcessEnd, MayBeAskedForOnAThreadOfTheSdk) {
+  const auto begin = std::chrono::steady_clock::now();
+  const Ending ending = RunApp("exit");
+  EXPECT_EQ(WEXITSTATUS(ending.status), kEnded) << ending.status << ending.output;
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+}
+
+TEST(ProcessEnd, DoesNotKeepAForkedCopyWaitingForThreadsItHasNot) {
+  // The copy shares the test's output, and has none of the threads either.
+  ExpectCleanEnd(RunApp("fork"));
+}
+
+TEST(ProcessEnd, LeavesJsonToWhatWasMadeAfterTheDevice) { ExpectCleanEnd(RunApp("read")); }
+
+}  // namespace
