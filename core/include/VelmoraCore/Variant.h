@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -49,7 +51,7 @@ class VELMORA_CORE_API Variant {
   Variant(const Variant&) = delete;
   Variant& operator=(const Variant&) = delete;
 
-  VariantKind GetKind() const;
+  VariantKind GetKind() const { return static_cast<VariantKind>(storage_.index()); }
 
   // True for the kinds Integer, Long and Double.
   bool IsNumericKind() const;
@@ -72,8 +74,13 @@ class VELMORA_CORE_API Variant {
   static bool AreEqual(const std::shared_ptr<Variant>& left, const std::shared_ptr<Variant>& right);
 
  private:
+  // In the order of the kinds.
   using Storage = std::variant<std::monostate, std::string, std::int32_t, std::int64_t, double,
                                bool, VariantVector, VariantMap>;
+  static_assert(
+      std::is_same_v<
+          std::variant_alternative_t<static_cast<std::size_t>(VariantKind::VariantMap), Storage>,
+          VariantMap>);
   struct Key {
     explicit Key() = default;
   };
@@ -81,7 +88,7 @@ class VELMORA_CORE_API Variant {
  public:
   // For the factories above only.
   template <class T>
-  Variant(Key, T value) : storage_(std::in_place_type<T>, std::move(value)) {}
+  Variant(Key, T&& value) : storage_(std::in_place_type<T>, std::move(value)) {}
 
  private:
   Storage storage_;

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <limits>
-#include <type_traits>
 
 #include "VelmoraCore/ErrorCodes.h"
 #include "VelmoraCore/SdkError.h"
@@ -10,8 +9,12 @@
 namespace Velmora {
 namespace {
 
-// Where a variant whose last owner goes leaves its containers, while an outer one on the same
-// thread is being emptied. Nesting is unwound there instead of on the stack.
+// So many containers are released inside one another on the stack, which is quick; the stack of
+// the smallest thread has room for more.
+constexpr int kMostNestedReleases = 64;
+thread_local int nestedReleases = 0;
+
+// Where the containers below those leave their own, so that nesting needs no more stack.
 thread_local VariantVector* containersToRelease = nullptr;
 
 bool IsContainer(const std::shared_ptr<Variant>& value) {
@@ -34,6 +37,12 @@ void MoveContainers(Container& from, VariantVector& to) {
 
 template <class Container>
 void ReleaseElements(Container& container) {
+  if (nestedReleases < kMostNestedReleases) {
+    ++nestedReleases;
+    container.clear();
+    --nestedReleases;
+    return;
+  }
   if (containersToRelease != nullptr) {
     MoveContainers(container, *containersToRelease);
     return;
@@ -189,11 +198,11 @@ std::shared_ptr<Variant> Variant::FromLong(long long value) {
 }
 
 std::shared_ptr<Variant> Variant::FromDouble(double value) {
-  return std::make_shared<Variant>(Key(), value);
+  return std::make_shared<Variant>(Key(), double{value});
 }
 
 std::shared_ptr<Variant> Variant::FromBoolean(bool value) {
-  return std::make_shared<Variant>(Key(), value);
+  return std::make_shared<Variant>(Key(), bool{value});
 }
 
 std::shared_ptr<Variant> Variant::FromNull() {
@@ -214,15 +223,6 @@ Variant::~Variant() {
   } else if (auto* members = std::get_if<VariantMap>(&storage_)) {
     ReleaseElements(*members);
   }
-}
-
-VariantKind Variant::GetKind() const {
-  static_assert(
-      std::is_same_v<
-          std::variant_alternative_t<static_cast<std::size_t>(VariantKind::VariantMap), Storage>,
-          VariantMap>,
-      "the alternatives stand in the order of the kinds");
-  return static_cast<VariantKind>(storage_.index());
 }
 
 bool Variant::IsNumericKind() const {

@@ -25,17 +25,43 @@ bool ArePlain(std::uint64_t bytes) {
   return !hasControl && !HasZeroByte(bytes ^ Eight('"')) && !HasZeroByte(bytes ^ Eight('\\'));
 }
 
-std::uint64_t WholeWord(const char* bytes) {
-  std::uint64_t word = 0;
+template <class Word>
+std::uint64_t WordAt(const char* bytes) {
+  Word word = 0;
   std::memcpy(&word, bytes, sizeof word);
   return word;
 }
 
-// Fewer than eight bytes, with blanks behind them.
-std::uint64_t PartOfWord(const char* bytes, std::size_t count) {
-  std::uint64_t word = Eight(' ');
-  std::memcpy(&word, bytes, count);
-  return word;
+// What must be known of a text before it is put.
+struct Survey {
+  bool isPlain = true;     // nothing in it needs an escape
+  std::uint64_t seen = 0;  // the bits of all bytes
+
+  void Take(std::uint64_t word) {
+    seen |= word;
+    isPlain = isPlain && ArePlain(word);
+  }
+};
+
+Survey Look(std::string_view text) {
+  Survey survey;
+  const char* const end = text.data() + text.size();
+  if (text.size() >= kWordSize) {
+    for (const char* at = text.data(); end - at > std::ptrdiff_t{kWordSize}; at += kWordSize) {
+      survey.Take(WordAt<std::uint64_t>(at));
+    }
+    // Some bytes are seen twice, which does no harm.
+    survey.Take(WordAt<std::uint64_t>(end - kWordSize));
+    return survey;
+  }
+  constexpr std::size_t kHalf = sizeof(std::uint32_t);
+  if (text.size() >= kHalf) {
+    survey.Take(WordAt<std::uint32_t>(text.data()) | WordAt<std::uint32_t>(end - kHalf)
+                                                         << (8 * kHalf));
+    return survey;
+  }
+  for (const char c : text) survey.Take(Eight(static_cast<unsigned char>(c)));
+  return survey;
 }
 
 // The letter of a short escape, or 0 where there is none.
@@ -62,28 +88,17 @@ char ShortEscape(char c) {
 }  // namespace
 
 bool JsonTextStream::PutQuoted(std::string_view content) {
-  // The last word may be put whole too, though only its first bytes count.
-  Reserve(content.size() + 2 + kWordSize);
+  const Survey survey = Look(content);
+  Reserve(content.size() + 2);
   PutUnsafe('"');
-  const char* at = content.data();
-  std::size_t left = content.size();
-  std::uint64_t seen = 0;  // the bits of all bytes
-  while (left > 0) {
-    const std::size_t count = std::min(left, kWordSize);
-    const std::uint64_t word = count == kWordSize ? WholeWord(at) : PartOfWord(at, count);
-    seen |= word;
-    if (ArePlain(word)) {
-      std::memcpy(end_, &word, sizeof word);
-      end_ += count;
-    } else {
-      PutOneByOne({at, count});
-      Reserve(left + 1 + kWordSize);
-    }
-    at += count;
-    left -= count;
+  if (survey.isPlain) {
+    std::copy(content.begin(), content.end(), end_);
+    end_ += content.size();
+  } else {
+    PutOneByOne(content);
   }
-  PutUnsafe('"');
-  return (seen & Eight(0x80)) == 0 || IsValidUtf8(content);
+  Put('"');
+  return (survey.seen & Eight(0x80)) == 0 || IsValidUtf8(content);
 }
 
 void JsonTextStream::PutOneByOne(std::string_view characters) {

@@ -1,6 +1,7 @@
 #include "services/json/JsonVariantBuilder.h"
 
 #include <cstddef>
+#include <iterator>
 #include <string>
 #include <utility>
 
@@ -9,6 +10,9 @@ namespace {
 
 // Few texts nest deeper.
 constexpr std::size_t kUsualDepth = 8;
+
+// Room for so many elements at first.
+constexpr std::size_t kFewElements = 4;
 
 }  // namespace
 
@@ -25,32 +29,37 @@ std::optional<VariantVector> JsonVariantBuilder::TakeVector() {
 void JsonVariantBuilder::BeginObject() { levels_.emplace_back().isObject = true; }
 
 void JsonVariantBuilder::EndObject() {
-  VariantMap members = std::move(levels_.back().members);
-  levels_.pop_back();
-  if (levels_.empty()) {
+  VariantMap& members = levels_.back().members;
+  if (levels_.size() == 1) {
     map_ = std::move(members);
+    levels_.pop_back();
   } else {
-    Add(Variant::FromVariantMap(std::move(members)));
+    std::shared_ptr<Variant> value = Variant::FromVariantMap(std::move(members));
+    levels_.pop_back();
+    Add(std::move(value));
   }
 }
 
 void JsonVariantBuilder::BeginArray() { levels_.emplace_back(); }
 
 void JsonVariantBuilder::EndArray() {
-  VariantVector elements = std::move(levels_.back().elements);
-  levels_.pop_back();
-  if (levels_.empty()) {
+  VariantVector& elements = levels_.back().elements;
+  if (levels_.size() == 1) {
     vector_ = std::move(elements);
+    levels_.pop_back();
   } else {
-    Add(Variant::FromVariantVector(std::move(elements)));
+    std::shared_ptr<Variant> value = Variant::FromVariantVector(std::move(elements));
+    levels_.pop_back();
+    Add(std::move(value));
   }
 }
 
 void JsonVariantBuilder::Key(std::string_view key) {
-  if (key.find('\0') != std::string_view::npos) heardZeroInKey_ = true;
   Level& level = levels_.back();
-  // Texts that were written from a map have their keys in order.
-  const auto entry = level.members.try_emplace(level.members.end(), std::string(key));
+  const auto entry = level.isInOrder
+                         ? level.members.try_emplace(level.members.end(), std::string(key))
+                         : level.members.try_emplace(std::string(key)).first;
+  level.isInOrder = level.isInOrder && std::next(entry) == level.members.end();
   level.member = &entry->second;
 }
 
@@ -78,6 +87,7 @@ void JsonVariantBuilder::Add(std::shared_ptr<Variant> value) {
   if (level.isObject) {
     *level.member = std::move(value);
   } else {
+    if (level.elements.capacity() == 0) level.elements.reserve(kFewElements);
     level.elements.push_back(std::move(value));
   }
 }

@@ -12,15 +12,10 @@
 namespace Velmora {
 
 // Makes variants of the JSON that it hears, as ToVariantMap and ToVariantVector would make them of
-// the value of the same text, without the value.
+// the value of the same text, without the value; where keys hold no zero byte.
 class JsonVariantBuilder : public Platform::JsonVisitor {
  public:
   JsonVariantBuilder();
-
-  // True when a key with a zero byte was heard. Such keys are cut off on their way to the core,
-  // and which of those that become the same key wins depends on their order in the value: what was
-  // built is then of no use.
-  bool HeardZeroInKey() const { return heardZeroInKey_; }
 
   // Takes the root, which must have been heard to its end; nothing when it is of the other kind.
   std::optional<VariantMap> TakeMap();
@@ -41,6 +36,7 @@ class JsonVariantBuilder : public Platform::JsonVisitor {
   // A container that has not ended. Its map's nodes stay where they are when the map is moved.
   struct Level {
     bool isObject = false;
+    bool isInOrder = true;  // the keys so far, as those of a text that was written from a map are
     VariantMap members;
     VariantVector elements;
     std::shared_ptr<Variant>* member = nullptr;  // that waits for its value
@@ -51,7 +47,6 @@ class JsonVariantBuilder : public Platform::JsonVisitor {
   std::vector<Level> levels_;
   std::optional<VariantMap> map_;
   std::optional<VariantVector> vector_;
-  bool heardZeroInKey_ = false;
 
   // Variants do not change, so one of each serves the whole text.
   std::shared_ptr<Variant> true_;
