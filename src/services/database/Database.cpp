@@ -147,6 +147,7 @@ bool Database::TableExistQuery(const std::string& table) {
 
 bool Database::RunQuerySqlite(const char* sql, QueryResult* result,
                               const std::function<bool(sqlite3_stmt*)>& binder) {
+  if (sql == nullptr) throw QueryError("No statement was given", __LINE__);
   const std::lock_guard lock(mutex_);
   SqlStatement statement(connection_, sql);
   if (!statement.IsPrepared()) {

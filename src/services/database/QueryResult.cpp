@@ -1,6 +1,8 @@
 #include "services/database/QueryResult.h"
 
 #include <algorithm>
+#include <clocale>
+#include <cstddef>
 #include <utility>
 
 #include "VelmoraCore/ErrorCodes.h"
@@ -16,6 +18,13 @@ constexpr const char* kLogTag = "DatabaseService";
   throw SdkError(code, message, DebugInfo("src/services/database/QueryResult", line));
 }
 
+// A cell has a point in its numbers; std::stod and std::stof look for what the locale has.
+std::string InLocale(std::string cell) {
+  const std::size_t point = cell.find('.');
+  if (point != std::string::npos) cell.replace(point, 1, std::localeconv()->decimal_point);
+  return cell;
+}
+
 }  // namespace
 
 QueryResult::QueryResult() : Object(kLogTag) {}
@@ -24,9 +33,11 @@ std::int32_t QueryResult::GetCount() const { return static_cast<std::int32_t>(Ro
 
 std::int32_t QueryResult::GetInt(std::uint32_t index) const { return std::stoi(Cell(index)); }
 
-double QueryResult::GetDouble(std::uint32_t index) const { return std::stod(Cell(index)); }
+double QueryResult::GetDouble(std::uint32_t index) const {
+  return std::stod(InLocale(Cell(index)));
+}
 
-float QueryResult::GetFloat(std::uint32_t index) const { return std::stof(Cell(index)); }
+float QueryResult::GetFloat(std::uint32_t index) const { return std::stof(InLocale(Cell(index))); }
 
 std::int64_t QueryResult::GetLong(std::uint32_t index) const { return std::stoll(Cell(index)); }
 

@@ -23,7 +23,17 @@ bool SqlDb::Open(const std::string& path) {
   }
   const std::string plainPath = path.starts_with(kUriScheme) ? "./" + path : path;
   openResult_ = ::sqlite3_open(plainPath.empty() ? nullptr : plainPath.c_str(), &connection_);
-  return openResult_ == SQLITE_OK;
+  if (openResult_ != SQLITE_OK) return false;
+  MistrustFile();
+  return true;
+}
+
+// Statements of ours need no schema that changes the file's inner workings, and a file that
+// somebody else has written must not call functions by its views and triggers. Whether SQLite
+// knows the two settings or not, the database works.
+void SqlDb::MistrustFile() {
+  ::sqlite3_db_config(connection_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+  ::sqlite3_db_config(connection_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
 }
 
 std::string SqlDb::ErrorMessage() const {

@@ -27,6 +27,8 @@ class SqlDb {
   sqlite3* Get() const { return connection_; }
 
  private:
+  void MistrustFile();
+
   sqlite3* connection_ = nullptr;
   int openResult_ = 0;
 };

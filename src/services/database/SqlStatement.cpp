@@ -1,5 +1,7 @@
 #include "services/database/SqlStatement.h"
 
+#include <array>
+#include <charconv>
 #include <cstddef>
 #include <cstring>
 
@@ -19,12 +21,22 @@ int BytesToRead(const char* sql) {
   return static_cast<int>(length < kMaximumSql ? length + 1 : kMaximumSql);
 }
 
+// With six decimals and a point, whatever the locale of the process.
+std::string FloatText(double number) {
+  constexpr int kDecimals = 6;
+  // The largest double has 309 digits before the point.
+  std::array<char, 400> text;
+  const auto end = std::to_chars(text.data(), text.data() + text.size(), number,
+                                 std::chars_format::fixed, kDecimals);
+  return {text.data(), end.ptr};
+}
+
 std::string CellText(sqlite3_stmt* statement, int column) {
   switch (::sqlite3_column_type(statement, column)) {
     case SQLITE_INTEGER:
       return std::to_string(::sqlite3_column_int(statement, column));
     case SQLITE_FLOAT:
-      return std::to_string(::sqlite3_column_double(statement, column));
+      return FloatText(::sqlite3_column_double(statement, column));
     case SQLITE_TEXT: {
       const auto* text = reinterpret_cast<const char*>(::sqlite3_column_text(statement, column));
       return text != nullptr ? text : "";

@@ -173,4 +173,21 @@ TEST(DatabaseHostileFile, EndsInDocumentedErrorsOrInSuccess) {
   EXPECT_GT(failures, 0);
 }
 
+TEST(DatabaseHostileFile, CannotReachBehindTheTables) {
+  const TestSupport::TemporaryDirectory folder;
+  TestSupport::LogCapture log(Velmora::LoggingMode::Debug);
+  log.AllowLines(LogLevel::Debug, "MockDatabaseService", StartsWith("ERROR inserting data: "));
+  Database database("a.db", folder.Path().string());
+  Execute(database, "CREATE TABLE t (a)");
+  Execute(database, "PRAGMA writable_schema=ON");
+  EXPECT_THAT(ErrorOf([&] { database.Delete("sqlite_master", "", {}); }),
+              IsQueryError("table sqlite_master may not be modified"));
+  EXPECT_TRUE(database.TableExistQuery("t"));
+}
+
+TEST_F(DatabaseHostileInput, AMissingStatementIsAnError) {
+  EXPECT_THAT(ErrorOf([&] { database_.RunQuerySqlite(nullptr, nullptr, {}); }),
+              IsQueryError("No statement was given"));
+}
+
 }  // namespace

@@ -1,4 +1,6 @@
+#include <clocale>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 
 #include "DatabaseFixture.h"
@@ -145,6 +147,42 @@ TEST_F(DatabaseValues, BindStatementIsFalseWhereAParameterIsMissing) {
                 });
               }),
               IsQueryError("column index out of range"));
+}
+
+// Numbers have a comma in this process as long as it lives.
+class CommaLocale {
+ public:
+  CommaLocale() {
+    const std::string make =
+        "localedef -c -i de_DE -f UTF-8 " + directory_.PathOf("de_DE.utf8") + " >/dev/null 2>&1";
+    isSet_ = std::system(make.c_str()) == 0 &&
+             ::setenv("LOCPATH", directory_.Path().c_str(), 1) == 0 &&
+             std::setlocale(LC_NUMERIC, "de_DE.utf8") != nullptr;
+  }
+  ~CommaLocale() {
+    std::setlocale(LC_NUMERIC, "C");
+    ::unsetenv("LOCPATH");
+  }
+  CommaLocale(const CommaLocale&) = delete;
+  CommaLocale& operator=(const CommaLocale&) = delete;
+
+  bool IsSet() const { return isSet_; }
+
+ private:
+  const TestSupport::TemporaryDirectory directory_;
+  bool isSet_ = false;
+};
+
+TEST_F(DatabaseValues, NumbersHaveAPointWhateverTheLocale) {
+  const CommaLocale locale;
+  ASSERT_TRUE(locale.IsSet());
+  ASSERT_STREQ(std::localeconv()->decimal_point, ",");
+  EXPECT_EQ(Stored(Variant::FromDouble(1234.5)), Cells({"1234.500000", "real"}));
+
+  Velmora::QueryResult result;
+  result.SetArgs({"1234.5", "-0.25 and more"}, {});
+  EXPECT_EQ(result.GetDouble(0), 1234.5);
+  EXPECT_EQ(result.GetFloat(1), -0.25F);
 }
 
 }  // namespace
