@@ -1,7 +1,10 @@
 #include "platform/ValueHash.h"
 
 #include <bit>
+#include <chrono>
 #include <cmath>
+#include <cstdint>
+#include <exception>
 #include <random>
 
 #include "platform/ValueInternals.h"
@@ -16,9 +19,16 @@ struct Seed {
 
 const Seed& ProcessSeed() {
   static const Seed seed = [] {
-    std::random_device device;
-    const auto draw = [&device] { return (std::uint64_t{device()} << 32) | device(); };
-    return Seed{draw(), draw()};
+    try {
+      std::random_device device;
+      const auto draw = [&device] { return (std::uint64_t{device()} << 32) | device(); };
+      return Seed{draw(), draw()};
+    } catch (const std::exception&) {
+      // Hard to guess at least, where the system has no random numbers.
+      static const char place = 0;
+      const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+      return Seed{static_cast<std::uint64_t>(now), reinterpret_cast<std::uintptr_t>(&place)};
+    }
   }();
   return seed;
 }

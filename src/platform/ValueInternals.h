@@ -84,12 +84,9 @@ struct ValueInternals {
     return {text.Bytes(), text.length};
   }
 
-  static bool IsReal(const Value& number) { return HoldsReal(number.numberType_); }
+  static bool IsReal(const Value& number) { return IsFloatingPoint(number.numberType_); }
   static std::int64_t IntegerOf(const Value& number) { return number.payload_.integer; }
   static double RealOf(const Value& number) { return number.payload_.real; }
-
-  // True for the storage types whose numbers have fractions.
-  static bool HoldsReal(NumberType type);
 
   static void StoreInteger(Value& value, NumberType type, std::int64_t integer);
   static void StoreReal(Value& value, NumberType type, double real);

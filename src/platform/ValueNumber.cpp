@@ -50,19 +50,6 @@ std::int64_t NearestInteger(double real, int bits) {
 
 }  // namespace
 
-bool ValueInternals::HoldsReal(NumberType type) {
-  switch (type) {
-    case NumberType::Float32:
-    case NumberType::Float64:
-    case NumberType::Float:
-    case NumberType::Double:
-    case NumberType::CGFloat:
-      return true;
-    default:
-      return false;
-  }
-}
-
 void ValueInternals::StoreInteger(Value& value, NumberType type, std::int64_t integer) {
   value.payload_.integer = KeepLowBits(integer, BitsOf(type));
   value.kind_ = ValueKind::Number;
@@ -82,7 +69,7 @@ Value::Value(double number) noexcept : Value(Number(NumberType::Float64, number)
 
 Value Value::Number(NumberType type, double number) noexcept {
   Value value;
-  if (ValueInternals::HoldsReal(type)) {
+  if (IsFloatingPoint(type)) {
     ValueInternals::StoreReal(value, type, number);
   } else {
     ValueInternals::StoreInteger(value, type, NearestInteger(number, BitsOf(type)));
@@ -92,7 +79,7 @@ Value Value::Number(NumberType type, double number) noexcept {
 
 Value Value::OfSigned(NumberType type, std::int64_t number) noexcept {
   Value value;
-  if (ValueInternals::HoldsReal(type)) {
+  if (IsFloatingPoint(type)) {
     ValueInternals::StoreReal(value, type, static_cast<double>(number));
   } else {
     ValueInternals::StoreInteger(value, type, number);
@@ -101,7 +88,7 @@ Value Value::OfSigned(NumberType type, std::int64_t number) noexcept {
 }
 
 Value Value::OfUnsigned(NumberType type, std::uint64_t number) noexcept {
-  if (ValueInternals::HoldsReal(type)) return Number(type, static_cast<double>(number));
+  if (IsFloatingPoint(type)) return Number(type, static_cast<double>(number));
   return OfSigned(type, static_cast<std::int64_t>(number));
 }
 

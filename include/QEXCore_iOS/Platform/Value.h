@@ -50,6 +50,20 @@ enum class NumberType : int {
   CGFloat = 16,
 };
 
+// True for the storage types of numbers with a fraction.
+constexpr bool IsFloatingPoint(NumberType type) {
+  switch (type) {
+    case NumberType::Float32:
+    case NumberType::Float64:
+    case NumberType::Float:
+    case NumberType::Double:
+    case NumberType::CGFloat:
+      return true;
+    default:
+      return false;
+  }
+}
+
 class DictionaryEntries;
 struct DictionaryEntry;
 

@@ -8,19 +8,6 @@
 namespace Platform {
 namespace {
 
-bool IsFloatingPoint(NumberType type) {
-  switch (type) {
-    case NumberType::Float32:
-    case NumberType::Float64:
-    case NumberType::Float:
-    case NumberType::Double:
-    case NumberType::CGFloat:
-      return true;
-    default:
-      return false;
-  }
-}
-
 // Keeps the containers on its way in a list of its own, so that nesting needs no stack.
 class Teller {
  public:

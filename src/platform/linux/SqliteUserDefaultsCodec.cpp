@@ -48,19 +48,6 @@ Type TypeOf(const Value& value) {
   return Type::None;
 }
 
-bool IsFloating(NumberType type) {
-  switch (type) {
-    case NumberType::Float32:
-    case NumberType::Float64:
-    case NumberType::Float:
-    case NumberType::Double:
-    case NumberType::CGFloat:
-      return true;
-    default:
-      return false;
-  }
-}
-
 class Encoder {
  public:
   bool Encode(const Value& root) {
@@ -155,7 +142,7 @@ class Encoder {
   void WriteNumber(const Value& number) {
     const NumberType type = number.StorageType().value_or(NumberType::SInt64);
     WriteInteger(static_cast<std::uint32_t>(type), 4);
-    WriteInteger(IsFloating(type) ? std::bit_cast<std::uint64_t>(number.AsDouble())
+    WriteInteger(IsFloatingPoint(type) ? std::bit_cast<std::uint64_t>(number.AsDouble())
                                   : static_cast<std::uint64_t>(number.AsInt64()),
                  8);
   }
@@ -260,7 +247,7 @@ class Decoder {
   Value ReadNumber() {
     const auto type = static_cast<NumberType>(static_cast<std::uint32_t>(ReadInteger(4)));
     const std::uint64_t bits = ReadInteger(8);
-    return IsFloating(type) ? Value::Number(type, std::bit_cast<double>(bits))
+    return IsFloatingPoint(type) ? Value::Number(type, std::bit_cast<double>(bits))
                             : Value::Number(type, static_cast<std::int64_t>(bits));
   }
 

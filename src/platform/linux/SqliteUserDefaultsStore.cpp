@@ -229,8 +229,9 @@ bool SqliteUserDefaultsStore::ReplaceFile(const Failure& error) {
 
 std::string SqliteUserDefaultsStore::MoveFileAside() {
   const std::string newPath = FreePath(path_ + ".corrupt-" + TimeStamp());
-  Rename(path_, newPath);
+  // First the log: one that stayed behind would be played into the file that comes next.
   Rename(path_ + "-wal", newPath + "-wal");
+  Rename(path_, newPath);
   ::unlink((path_ + "-shm").c_str());
   return newPath.substr(newPath.rfind('/') + 1);
 }

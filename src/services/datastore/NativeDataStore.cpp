@@ -150,16 +150,8 @@ bool NativeDataStore::isTypeOfLong(const Value& object) {
 }
 
 bool NativeDataStore::isTypeOfDouble(const Value& object) {
-  switch (object.StorageType().value_or(NumberType::Char)) {
-    case NumberType::Float32:
-    case NumberType::Float64:
-    case NumberType::Float:
-    case NumberType::Double:
-    case NumberType::CGFloat:
-      return true;
-    default:
-      return false;
-  }
+  const std::optional<NumberType> type = object.StorageType();
+  return type.has_value() && Platform::IsFloatingPoint(*type);
 }
 
 bool NativeDataStore::isTypeOfBool(const Value& object) { return object.IsBoolean(); }

@@ -90,16 +90,17 @@ std::string NativeSystemInfoService::GetApplicationBaseDir() const {
 }
 
 std::string NativeSystemInfoService::GetApplicationCacheDir() const {
-  return AskHost(
-      [](const Host& host) {
+  std::string directory =
+      AskHost([](const Host& host) { return ChooseCacheDirectory(*host.fileManager); }, "");
+  if (directory.empty()) return directory;
+  AskHost(
+      [&directory](const Host& host) {
         Platform::FileManager& files = *host.fileManager;
-        const std::string directory = ChooseCacheDirectory(files);
-        if (!directory.empty() && files.TypeOfItem(directory) == Platform::FileType::Missing) {
-          files.CreateDirectory(directory, nullptr);
-        }
-        return directory;
+        return files.TypeOfItem(directory) != Platform::FileType::Missing ||
+               files.CreateDirectory(directory, nullptr);
       },
-      "");
+      false);
+  return directory;
 }
 
 std::string NativeSystemInfoService::GetAsset(const std::string& fileName) const {
