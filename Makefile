@@ -16,7 +16,7 @@ setup:
 	@tools/setup
 
 demo: setup
-	@tools/build dev storefront
+	@tools/build dev storefront services
 	@tools/demo
 
 test: setup
