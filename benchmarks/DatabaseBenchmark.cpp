@@ -2,17 +2,14 @@
 // hand each time, with rows read into the very same texts. All but the last pair use private
 // temporary databases, so that the disk does not hide the difference.
 
-#include <cstdlib>
-#include <filesystem>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
-#include <unistd.h>
 
+#include "TemporaryFolder.h"
 #include "VelmoraCore/Query.h"
 #include "VelmoraCore/Variant.h"
 #include "services/database/Database.h"
@@ -27,34 +24,12 @@ using Constraint = Velmora::DatabaseInterface::ColumnConstraint;
 
 constexpr int kRows = 10'000;
 constexpr int kChanges = 5'000;
-constexpr int kChangesInFile = 50;
+constexpr int kChangesInFile = 2'000;
 const std::string kUrl = "https://example.com/hits?id=0123456789&name=trackAction&value=12.5";
 
 void Check(bool succeeded) {
   if (!succeeded) throw std::runtime_error("a statement failed");
 }
-
-// An empty directory, which goes with the object.
-class Directory {
- public:
-  Directory() {
-    std::string pattern =
-        (std::filesystem::temp_directory_path() / "qexcore-bench-XXXXXX").string();
-    Check(::mkdtemp(pattern.data()) != nullptr);
-    path_ = pattern;
-  }
-  ~Directory() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  Directory(const Directory&) = delete;
-  Directory& operator=(const Directory&) = delete;
-
-  const std::string& Path() const { return path_; }
-
- private:
-  std::string path_;
-};
 
 class Ours {
  public:
@@ -196,7 +171,7 @@ void MeasureDelete(benchmark::State& state) {
 
 template <class Side>
 void MeasureInsertInFile(benchmark::State& state) {
-  const Directory directory;
+  const TemporaryFolder directory;
   Side side(directory.Path());
   int id = 0;
   for (auto _ : state) side.Insert(id++);
