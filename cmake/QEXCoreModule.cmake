@@ -39,6 +39,10 @@ if(QEXCORE_PRECOMPILED_HEADERS)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # ccache sees through a precompiled header only with this.
     target_compile_options(QEXCoreBuildFlags INTERFACE -fpch-preprocess)
+  else()
+    # An upgraded system header may be older than what was built from its predecessor, so that the
+    # build would not renew it and clang would refuse it.
+    target_compile_options(QEXCoreBuildFlags INTERFACE "SHELL:-Xclang -fno-pch-timestamp")
   endif()
   target_precompile_headers(QEXCorePrecompiled PRIVATE
     <chrono> <functional> <map> <memory> <mutex> <optional> <string> <string_view> <variant>
