@@ -140,7 +140,8 @@ class Checker {
     if (!body || body->count > bytes_.size()) return false;
     const std::uint64_t references = body->count * unit;
     if (!IsInside(body->offset, references * referenceWidth_)) return false;
-    if (references > kMaximumObjects - objects_) return false;
+    // What waits will be visited as well.
+    if (references > kMaximumObjects - objects_ - toVisit_.size()) return false;
     for (std::uint64_t i = 0; i < references; ++i) {
       const std::uint64_t object = NumberAt(body->offset + i * referenceWidth_, referenceWidth_);
       if (object >= objectCount_) return false;
