@@ -30,8 +30,8 @@ std::string ExternalModuleHost::Topic(const std::string& type, const std::string
   return type + '\n' + source;
 }
 
-void ExternalModuleHost::Start() {
-  queue_.Start({
+bool ExternalModuleHost::Start() {
+  return queue_.Start({
       [self = shared_from_this()] { self->NameThread(); },
       [self = shared_from_this()](Task task) { self->Handle(std::move(task)); },
       [self = shared_from_this()](std::size_t count) {
@@ -151,8 +151,20 @@ std::vector<ExternalModuleHost::ListenerPointer> ExternalModuleHost::ListenersFo
   return found;
 }
 
-std::size_t ExternalModuleHost::Stop() {
+void ExternalModuleHost::Deactivate() {
+  const std::lock_guard<std::mutex> lock(mutex_);
   isActive_ = false;
+}
+
+bool ExternalModuleHost::WhileActive(const std::function<void()>& action) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!IsActive()) return false;
+  action();
+  return true;
+}
+
+std::size_t ExternalModuleHost::Stop() {
+  Deactivate();
   return queue_.Stop();
 }
 

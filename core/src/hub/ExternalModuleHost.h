@@ -39,8 +39,8 @@ class ExternalModuleHost : public std::enable_shared_from_this<ExternalModuleHos
   std::shared_ptr<EventHub> Hub() const { return hub_.lock(); }
   bool IsActive() const { return isActive_.load(); }
 
-  // Throws std::system_error when no thread can be had. Does nothing after Stop.
-  void Start();
+  // Throws std::system_error when no thread can be had. Does nothing, and gives false, after Stop.
+  bool Start();
 
   // Queues an event, numbered by the hub, when a listener may want it. Called on the hub's thread,
   // in order.
@@ -56,8 +56,15 @@ class ExternalModuleHost : public std::enable_shared_from_this<ExternalModuleHos
   // module was stopped before it was called.
   void CallWhenRegistered(std::function<void()> done);
 
-  // Drops the events that wait, and returns how many. The module is told on its own thread, after
-  // the call that is under way.
+  // The module leaves: it hears nothing more, and no listener is added any more.
+  void Deactivate();
+
+  // Runs `action`, which must not call out, unless the module has left, and keeps it from leaving
+  // meanwhile. False when it has left.
+  bool WhileActive(const std::function<void()>& action);
+
+  // Deactivates, drops the events that wait, and returns how many. The module is told on its own
+  // thread, after the call that is under way.
   std::size_t Stop();
 
   bool WaitUntilIdle(Deadline deadline);
