@@ -48,7 +48,8 @@ class ExternalModuleHost : public std::enable_shared_from_this<ExternalModuleHos
 
   // Adds a listener that hears events accepted from now on; one that is added while the module is
   // being registered hears those accepted since its registration. An empty topic stands for every
-  // event; for any other, the listener before is replaced. False when the module is leaving.
+  // event; for any other, the listener before is replaced, once it has heard what waits for it.
+  // False when the module is leaving.
   bool AddListener(std::shared_ptr<ExternalModuleListenerInterface> listener,
                    const std::string& topic);
 
@@ -91,6 +92,8 @@ class ExternalModuleHost : public std::enable_shared_from_this<ExternalModuleHos
   void Register();
   void Handle(Task task);
   void Hear(const std::shared_ptr<Event>& event);
+  void Do(std::function<void()> action);
+  void Replace(const std::string& topic, const ListenerPointer& added);
   void TellRegistered(const ListenerPointer& listener);
   void TellUnregistered(const ListenerPointer& listener);
   void End();
