@@ -81,7 +81,7 @@ class ScriptedListener : public QEXExtensionListener {
  public:
   using OnHear = std::function<void(QEXExtensionListener&, const ExtensionEvent&)>;
   static inline Guarded<OnHear> onHear;
-  static inline Guarded<std::vector<std::string>> heard;  // names
+  static inline Guarded<std::vector<std::string>> heard;  // names, once onHear has returned
 
   static void Reset(OnHear newOnHear = nullptr) {
     onHear.Set(std::move(newOnHear));
@@ -95,9 +95,18 @@ class ScriptedListener : public QEXExtensionListener {
   ~ScriptedListener() override { --liveListeners; }
 
   void hear(const ExtensionEvent& event) override {
-    heard.With([&](auto& names) { names.push_back(event->eventName().value_or("")); });
+    const Note note{event->eventName().value_or("")};
     if (const OnHear act = onHear.Get()) act(*this, event);
   }
+
+ private:
+  // Also when onHear throws.
+  struct Note {
+    std::string name;
+    ~Note() {
+      heard.With([this](auto& names) { names.push_back(name); });
+    }
+  };
 };
 
 }  // namespace TestSupport

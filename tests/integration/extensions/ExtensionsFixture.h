@@ -41,6 +41,9 @@ class ExtensionsFixture : public testing::Test {
     Velmora::Log::SetLoggingService(log.LoggingService());
     Forget();
   }
+  // While the members of the test are still there, which scripts may use.
+  void TearDown() override { GetCore()->Dispose(); }
+
   ~ExtensionsFixture() override {
     Velmora::VelmoraCoreBridge::ResetInstance();
     Forget();
