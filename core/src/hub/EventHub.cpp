@@ -322,6 +322,8 @@ void EventHub::UnregisterModule(const std::shared_ptr<ExternalModuleHost>& host)
 void EventHub::OnModuleEnded(const std::shared_ptr<ExternalModuleHost>& host) {
   JoinEnded();
   const std::shared_ptr<ExternalModuleHost> successor = modules_.OnEnded(host);
+  // A thread cannot join itself, and the next module may be long in coming.
+  callbacks_.Push([this] { JoinEnded(); }, CallbackQueue::Admission::Always);
   if (successor == nullptr) return;
   const std::optional<SdkError> error = StartModule(successor);
   if (error.has_value() && error->GetCode() != ErrorCodes::kEventHubDisposed) {

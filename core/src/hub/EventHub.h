@@ -39,7 +39,7 @@ struct EventHubLimits {
 // module has a thread named after it (see ExternalModuleHost); "VelmoraCallback" calls the
 // functions that callers passed in. Every operation may be called on any thread, these included,
 // and returns at once, save Dispose. No lock is held while calling out. Locks are taken in this
-// order: a module's, then a queue's.
+// order: a module's, then a queue's or that of the shared states.
 //
 // What types, sources, data and module names must look like stands in EventRules. Refusals that the
 // caller cannot see are counted and reported in one warning once there is room again.

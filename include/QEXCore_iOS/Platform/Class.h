@@ -59,6 +59,7 @@ class QEXCORE_API Class {
       return nullptr;
     }
   }
+  // NOLINTBEGIN(misc-throw-by-value-catch-by-reference): it is the pointer that finds its bases.
   template <class T>
   static void ThrowPointer(void* instance) {
     throw static_cast<T*>(instance);
@@ -74,6 +75,7 @@ class QEXCORE_API Class {
     }
     return false;
   }
+  // NOLINTEND(misc-throw-by-value-catch-by-reference)
 
   explicit constexpr Class(const Traits* traits) noexcept : traits_(traits) {}
 
