@@ -12,6 +12,7 @@
 #include <QEXCore_iOS/QEXCore.h>
 #include <VelmoraCore/Core.h>
 
+#include "CartReader.h"
 #include "EventText.h"
 #include "EventWatcher.h"
 
@@ -103,6 +104,7 @@ Options ReadCommandLine(int argc, char** argv, CLI::App& app) {
 int Run(const Options& options) {
   QEXCore::setLogLevel(static_cast<QEXMobileLogLevel>(options.logLevel));
   std::future<void> closing = WatchEvents();
+  if (!Storefront::RegisterCart()) return EXIT_FAILURE;
   if (!options.configuration.empty()) QEXCore::configureWithFileInPath(options.configuration);
   if (!StartSdk()) {
     Print("the SDK did not start within ten seconds");
@@ -110,6 +112,7 @@ int Run(const Options& options) {
   }
   CollectLaunchInformation(options);
   VisitTheShop();
+  Storefront::PutIntoCart("A-17");
   AskForIdentities();
   CloseTheShop();
   if (closing.wait_for(10s) != std::future_status::ready) {

@@ -2,11 +2,16 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
+#include "QEXCore_iOS/Platform/Class.h"
+#include "QEXCore_iOS/Platform/Error.h"
 #include "QEXCore_iOS/Platform/Export.h"
 #include "QEXCore_iOS/Platform/Value.h"
+
+class QEXExtensionEvent;
 
 // Whether the user lets the SDK collect data. Any other value counts as unknown.
 enum class QEXMobilePrivacyStatus : std::uint64_t {
@@ -102,4 +107,32 @@ class QEXCORE_API QEXCore {
   // Fetches the rules anew. (This version of the core has nowhere to fetch them from yet and says
   // so in the log.)
   static void downloadRules();
+
+  // Adds a module of the app's own to the hub: `extensionClass` is ClassOf a subclass of
+  // QEXExtension, which says when its instance is made and called. True when the hub has accepted
+  // it; its init comes later, on its own thread, and before the callback of a start that is called
+  // after this. Otherwise `error`, if given, has the domain QEXExtensionErrorDomain and the code 6
+  // (the class is no extension), 1 (the name is absent, empty or no name), 2 (there is a module of
+  // this name) or 0.
+  static bool registerExtension(const Platform::Class& extensionClass, Platform::Error* error);
+
+  // Hands an event to the hub, which numbers it and brings it to every listener of its type and
+  // source. True when it was accepted. Otherwise `error`, if given, has the domain
+  // QEXExtensionErrorDomain and the code 7 (there is no event), 3 or 4 (the type or source is not 1
+  // to 255 bytes of UTF-8 without blanks and control characters), 5 (the data are more than a
+  // million values) or 0 (too many events wait, or the SDK could not be made).
+  static bool dispatchEvent(const std::shared_ptr<QEXExtensionEvent>& event,
+                            Platform::Error* error);
+
+  // The same, and calls `responseCallback`, unless it is empty, once, with the first event that is
+  // dispatched as a response to this one. When none ever is, it is never called.
+  static bool dispatchEventWithResponseCallback(
+      const std::shared_ptr<QEXExtensionEvent>& event,
+      std::function<void(const std::shared_ptr<QEXExtensionEvent>&)> responseCallback,
+      Platform::Error* error);
+
+  // Dispatches `responseEvent` as the answer to `requestEvent`. Code 7 when either is absent.
+  static bool dispatchResponseEvent(const std::shared_ptr<QEXExtensionEvent>& responseEvent,
+                                    const std::shared_ptr<QEXExtensionEvent>& requestEvent,
+                                    Platform::Error* error);
 };

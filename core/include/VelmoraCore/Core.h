@@ -29,7 +29,8 @@ class VELMORA_CORE_API Core {
  public:
   // Makes a core on the given services and begins to work. Log lines go to their logging service
   // from then on. With a null `eventHub` the core makes its own. Throws an SdkError of the code
-  // "platform_services.missing_service" when `services` is empty.
+  // "platform_services.missing_service" when `services` is empty, "event_hub.already_started" when
+  // the hub serves a core already, and "event_hub.disposed" when it did.
   static std::shared_ptr<Core> Create(const std::shared_ptr<PlatformServicesInterface>& services,
                                       const std::shared_ptr<EventHub>& eventHub);
 

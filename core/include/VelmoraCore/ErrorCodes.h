@@ -56,6 +56,7 @@ inline constexpr const char* kExternalModuleListenerWasNull = "external_module.l
 inline constexpr const char* kExternalModuleNotRegistered = "external_module.not_registered";
 
 inline constexpr const char* kEventHubDisposed = "event_hub.disposed";
+inline constexpr const char* kEventHubAlreadyStarted = "event_hub.already_started";
 inline constexpr const char* kEventHubQueueFull = "event_hub.queue_full";
 
 }  // namespace Velmora::ErrorCodes

@@ -78,6 +78,10 @@ struct Core::Impl {
     hub->Post(MakeEvent(std::move(name), type, EventSources::kRequest, std::move(data)));
   }
 
+  void Report(std::string name, const char* type, EventData data) const {
+    hub->PostReport(MakeEvent(std::move(name), type, EventSources::kRequest, std::move(data)));
+  }
+
   void Query(std::string name, const char* type, ResponseWaiters::Callback onResponse) const {
     hub->Post(MakeEvent(std::move(name), type, EventSources::kQuery), std::move(onResponse));
   }
@@ -171,7 +175,7 @@ void Core::Start(std::function<void()> callback) {
 }
 
 void Core::CollectPii(std::map<std::string, std::string> data) {
-  impl_->Request("collect pii", EventTypes::kPii, One(EventKeys::kCollected, data));
+  impl_->Report("collect pii", EventTypes::kPii, One(EventKeys::kCollected, data));
 }
 
 void Core::LifecyclePause() {
@@ -196,7 +200,7 @@ void Core::SetPushIdentifier(const std::string& identifier) {
 }
 
 void Core::Track(const std::shared_ptr<EventData>& data) const {
-  impl_->hub->Post(
+  impl_->hub->PostReport(
       std::make_shared<Event>("track", EventTypes::kAnalytics, EventSources::kRequest, data));
 }
 
@@ -223,8 +227,8 @@ void Core::DispatchResponseEvent(const std::shared_ptr<Event>& response,
 }
 
 void Core::CollectData(std::map<std::string, std::shared_ptr<Variant>> data) {
-  impl_->Request("collect data", EventTypes::kData,
-                 One(EventKeys::kCollected, Variant::FromVariantMap(std::move(data))));
+  impl_->Report("collect data", EventTypes::kData,
+                One(EventKeys::kCollected, Variant::FromVariantMap(std::move(data))));
 }
 
 void Core::DownloadRules() { impl_->Request("download rules", EventTypes::kRules); }

@@ -47,6 +47,11 @@ SdkError Disposed(int line) {
           DebugInfo(kSourceLocation, line)};
 }
 
+SdkError NameIsTaken(const std::string& name, int line) {
+  return {ErrorCodes::kExternalModuleDuplicateModuleName, "there is a module of this name: " + name,
+          DebugInfo(kSourceLocation, line)};
+}
+
 void CallGuarded(const std::function<void()>& callback) {
   TryCatch(callback,
            [](SdkError& error) { Log::Error(kLogTag, "a callback failed: %s", error.what()); });
@@ -88,10 +93,10 @@ class EventHub::ModuleContext final : public HubContext {
     hub_.PostFromInside(std::move(event), "");
   }
   bool SetSharedState(const std::string& json, const std::shared_ptr<Event>& event) override {
-    return hub_.EventHub::SetSharedState(name_, json, event);
+    return hub_.EventHub::SetSharedState(name_, std::make_shared<const std::string>(json), event);
   }
-  std::shared_ptr<std::string> GetSharedState(const std::string& owner,
-                                              const std::shared_ptr<Event>& event) override {
+  std::shared_ptr<const std::string> GetSharedState(const std::string& owner,
+                                                    const std::shared_ptr<Event>& event) override {
     return hub_.EventHub::GetSharedState(owner, event);
   }
   PlatformServicesInterface& Services() override { return *hub_.services_; }
@@ -119,11 +124,16 @@ EventHub::EventHub(std::shared_ptr<PlatformServicesInterface> services, EventHub
       limits_(limits),
       responseWaiters_(limits.responseWaiters),
       callbacks_(limits.callbacks),
-      queue_(limits.events) {}
+      queue_(limits.events, limits.requests) {}
 
 void EventHub::AddModule(std::unique_ptr<HubModule> module) {
   const std::string name = module->GetName();
-  modules_.Reserve(name);
+  if (isDisposed_) throw SdkError(Disposed(__LINE__));
+  if (isStarted_) {
+    throw SdkError(ErrorCodes::kEventHubAlreadyStarted, "the event hub serves a core already",
+                   DebugInfo(kSourceLocation, __LINE__));
+  }
+  if (!modules_.Reserve(name)) throw SdkError(NameIsTaken(name, __LINE__));
   auto context = std::make_unique<ModuleContext>(*this, name);
   module->Attach(*context);
   ownModules_.push_back({name, std::move(context), std::move(module)});
@@ -173,7 +183,12 @@ std::optional<SdkError> EventHub::Dispatch(const std::shared_ptr<Event>& event,
 void EventHub::Post(const std::shared_ptr<Event>& event, ResponseWaiters::Callback onResponse) {
   std::optional<std::int64_t> ticket;
   if (onResponse) ticket = responseWaiters_.Add(event->GetId(), std::move(onResponse));
-  if (!PostItem({event, nullptr, ""}) && ticket.has_value()) responseWaiters_.Remove(*ticket);
+  const bool isAccepted = PostItem({event, nullptr, ""}, Queue::Admission::Reserved);
+  if (!isAccepted && ticket.has_value()) responseWaiters_.Remove(*ticket);
+}
+
+void EventHub::PostReport(const std::shared_ptr<Event>& event) {
+  PostItem({event, nullptr, ""}, Queue::Admission::CountedWhenRefused);
 }
 
 void EventHub::PostAndFollow(const std::shared_ptr<Event>& event, std::function<void()> whenDone) {
@@ -181,14 +196,14 @@ void EventHub::PostAndFollow(const std::shared_ptr<Event>& event, std::function<
             [this, whenDone = std::move(whenDone)] {
               if (whenDone) CallWhenModulesAreRegistered(whenDone);
             },
-            ""});
+            ""},
+           Queue::Admission::Reserved);
 }
 
-bool EventHub::PostItem(Item item) {
+bool EventHub::PostItem(Item item, Queue::Admission admission) {
   const std::string name = item.event->GetName();
   const Queue::Outcome outcome =
-      isDisposed_ ? Queue::Outcome::Stopped
-                  : queue_.Push(std::move(item), Queue::Admission::CountedWhenRefused);
+      isDisposed_ ? Queue::Outcome::Stopped : queue_.Push(std::move(item), admission);
   if (outcome == Queue::Outcome::Stopped) {
     Log::Debug(kLogTag, "\"%s\" was ignored: the event hub has been disposed", name.c_str());
   }
@@ -196,7 +211,10 @@ bool EventHub::PostItem(Item item) {
 }
 
 void EventHub::PostFromInside(std::shared_ptr<Event> event, const std::string& deafModule) {
-  queue_.Push({std::move(event), nullptr, deafModule}, Queue::Admission::CountedWhenRefused);
+  // There are no more answers than requests, which have found their room.
+  const bool isAnswer = event->GetRequestId().has_value();
+  queue_.Push({std::move(event), nullptr, deafModule},
+              isAnswer ? Queue::Admission::Reserved : Queue::Admission::CountedWhenRefused);
 }
 
 void EventHub::Handle(const Item& item) {
@@ -268,26 +286,24 @@ std::optional<SdkError> EventHub::RegisterModule(
   const auto host = std::make_shared<ExternalModuleHost>(module, name, shared_from_this(),
                                                          AcceptedCount(), limits_.moduleEvents);
   switch (modules_.Add(host)) {
+    case ModuleRegistry::Addition::Closed:
+      return Disposed(__LINE__);
     case ModuleRegistry::Addition::Taken:
-      return SdkError(ErrorCodes::kExternalModuleDuplicateModuleName,
-                      "there is a module of this name: " + name,
-                      DebugInfo(kSourceLocation, __LINE__));
+      return NameIsTaken(name, __LINE__);
     case ModuleRegistry::Addition::MustWait:
       break;
     case ModuleRegistry::Addition::MayStart:
       if (std::optional<SdkError> error = StartModule(host)) return error;
       break;
   }
-  // Dispose may have looked for modules before this one was there.
-  if (isDisposed_) host->Stop();
   Log::Trace(kLogTag, "module %s, version %s, joins", name.c_str(), version.c_str());
   return std::nullopt;
 }
 
 std::optional<SdkError> EventHub::StartModule(const std::shared_ptr<ExternalModuleHost>& host) {
   try {
-    host->Start();
-    return std::nullopt;
+    if (host->Start()) return std::nullopt;
+    return Disposed(__LINE__);
   } catch (const std::system_error& error) {
     modules_.Discard(host);
     return SdkError(ErrorCodes::kStdException, error.what(), DebugInfo(kSourceLocation, __LINE__));
@@ -296,15 +312,21 @@ std::optional<SdkError> EventHub::StartModule(const std::shared_ptr<ExternalModu
 
 void EventHub::UnregisterModule(const std::shared_ptr<ExternalModuleHost>& host) {
   if (!modules_.Remove(host)) return;
-  host->Stop();
+  // In this order: no state comes after the clearing, and no state of a successor before it, since
+  // that one starts when this one's thread has ended.
+  host->Deactivate();
   states_.Clear(host->Name());
+  host->Stop();
 }
 
 void EventHub::OnModuleEnded(const std::shared_ptr<ExternalModuleHost>& host) {
   JoinEnded();
   const std::shared_ptr<ExternalModuleHost> successor = modules_.OnEnded(host);
+  // A thread cannot join itself, and the next module may be long in coming.
+  callbacks_.Push([this] { JoinEnded(); }, CallbackQueue::Admission::Always);
   if (successor == nullptr) return;
-  if (const std::optional<SdkError> error = StartModule(successor)) {
+  const std::optional<SdkError> error = StartModule(successor);
+  if (error.has_value() && error->GetCode() != ErrorCodes::kEventHubDisposed) {
     Log::Error(kLogTag, "module %s could not be started: %s", successor->Name().c_str(),
                error->what());
   }
@@ -314,11 +336,11 @@ void EventHub::JoinEnded() {
   for (const std::shared_ptr<ExternalModuleHost>& ended : modules_.TakeEnded()) ended->Join();
 }
 
-bool EventHub::SetSharedState(const std::string& owner, const std::string& json,
+bool EventHub::SetSharedState(const std::string& owner, std::shared_ptr<const std::string> json,
                               const std::shared_ptr<Event>& event) {
   const bool isNumbered = event != nullptr && event->GetNumber() > 0;
   const std::int64_t number = isNumbered ? event->GetNumber() : AcceptedCount() + 1;
-  if (!states_.Set(owner, json, number)) return false;
+  if (!states_.Set(owner, std::move(json), number)) return false;
   AnnounceSharedState(owner);
   return true;
 }
@@ -337,14 +359,15 @@ void EventHub::AnnounceSharedState(const std::string& owner) {
       owner);
 }
 
-std::shared_ptr<std::string> EventHub::GetSharedState(const std::string& owner,
-                                                      const std::shared_ptr<Event>& event) const {
+std::shared_ptr<const std::string> EventHub::GetSharedState(
+    const std::string& owner, const std::shared_ptr<Event>& event) const {
   if (event == nullptr || event->GetNumber() == 0) return states_.Get(owner, std::nullopt);
   return states_.Get(owner, event->GetNumber());
 }
 
 void EventHub::Dispose(std::chrono::milliseconds timeout) {
   if (isDisposed_.exchange(true)) return;
+  modules_.Close();
   const auto deadline = DeadlineAfter(timeout);
   if (isStarted_) queue_.WaitUntilIdle(deadline);
   const std::size_t events = queue_.Stop();

@@ -26,6 +26,7 @@ namespace Velmora {
 // How much a hub lets wait. An event that finds its queue full is refused, the ones before it stay.
 struct EventHubLimits {
   std::size_t events = 100'000;        // accepted and not yet handled
+  std::size_t requests = 10'000;       // room beyond those, for the core's own requests only
   std::size_t moduleEvents = 100'000;  // the same, for each external module
   std::size_t callbacks = 100'000;
   std::size_t responseWaiters = 10'000;  // see ResponseWaiters
@@ -38,7 +39,7 @@ struct EventHubLimits {
 // module has a thread named after it (see ExternalModuleHost); "VelmoraCallback" calls the
 // functions that callers passed in. Every operation may be called on any thread, these included,
 // and returns at once, save Dispose. No lock is held while calling out. Locks are taken in this
-// order: a module's, then a queue's.
+// order: a module's, then a queue's or that of the shared states.
 //
 // What types, sources, data and module names must look like stands in EventRules. Refusals that the
 // caller cannot see are counted and reported in one warning once there is room again.
@@ -55,7 +56,9 @@ class EventHub : public std::enable_shared_from_this<EventHub> {
   EventHub(const EventHub&) = delete;
   EventHub& operator=(const EventHub&) = delete;
 
-  // Adds one of the core's own modules. Before Start only.
+  // Adds one of the core's own modules. Throws an SdkError and adds nothing when the hub has been
+  // started ("event_hub.already_started") or disposed ("event_hub.disposed"), and when there is a
+  // module of this name ("external_module.dup_module_name").
   void AddModule(std::unique_ptr<HubModule> module);
 
   // Begins to handle events, once; a second call does nothing. Events may be dispatched before.
@@ -68,11 +71,16 @@ class EventHub : public std::enable_shared_from_this<EventHub> {
   std::optional<SdkError> Dispatch(const std::shared_ptr<Event>& event,
                                    ResponseWaiters::Callback onResponse = nullptr);
 
-  // Accepts a request of the core's own, unchecked. Refusals are counted when the queue is full; a
-  // disposed hub ignores the request, with a debug line.
+  // Accepts a request of the core's own, unchecked. It finds room where events from outside and
+  // reports have taken all of theirs, so that no flood of those can drown it. Refusals are counted
+  // when that is full too; a disposed hub ignores the request, with a debug line.
   void Post(const std::shared_ptr<Event>& event, ResponseWaiters::Callback onResponse = nullptr);
 
-  // The same; calls `whenDone` once everything that was accepted before has been handled and every
+  // The same for what an app reports as often as it likes: it shares the room of events from
+  // outside.
+  void PostReport(const std::shared_ptr<Event>& event);
+
+  // As Post; calls `whenDone` once everything that was accepted before has been handled and every
   // module registered before has been told of its registration.
   void PostAndFollow(const std::shared_ptr<Event>& event, std::function<void()> whenDone);
 
@@ -86,12 +94,13 @@ class EventHub : public std::enable_shared_from_this<EventHub> {
   void UnregisterModule(const std::shared_ptr<ExternalModuleHost>& host);
 
   // States count from `event`, or from the next event accepted when it is empty or unnumbered.
-  // False when the text is too long.
-  bool SetSharedState(const std::string& owner, const std::string& json,
+  // False when the text is too long. For an external module, to be called while it is kept active
+  // (see ExternalModuleHost::WhileActive).
+  bool SetSharedState(const std::string& owner, std::shared_ptr<const std::string> json,
                       const std::shared_ptr<Event>& event);
   void ClearSharedStates(const std::string& owner);
-  std::shared_ptr<std::string> GetSharedState(const std::string& owner,
-                                              const std::shared_ptr<Event>& event) const;
+  std::shared_ptr<const std::string> GetSharedState(const std::string& owner,
+                                                    const std::shared_ptr<Event>& event) const;
 
   // Takes no more events from outside, handles those that wait, and what the core's own modules
   // make of them, until `timeout` has passed, drops the rest with one warning that counts them,
@@ -124,7 +133,7 @@ class EventHub : public std::enable_shared_from_this<EventHub> {
   using Queue = SerialQueue<Item>;
   using CallbackQueue = SerialQueue<std::function<void()>>;
 
-  bool PostItem(Item item);
+  bool PostItem(Item item, Queue::Admission admission);
   void PostFromInside(std::shared_ptr<Event> event, const std::string& deafModule);
   void AnnounceSharedState(const std::string& owner);
   std::optional<SdkError> StartModule(const std::shared_ptr<ExternalModuleHost>& host);

@@ -22,7 +22,7 @@ ExternalModuleHost::ExternalModuleHost(std::shared_ptr<ExternalModuleInterface> 
       hub_(hub),
       acceptedCount_(acceptedCount),
       queue_(capacity) {
-  queue_.Push({nullptr, [this] { Register(); }}, SerialQueue<Task>::Admission::Always);
+  Do([this] { Register(); });
 }
 
 std::string ExternalModuleHost::Topic(const std::string& type, const std::string& source) {
@@ -30,8 +30,8 @@ std::string ExternalModuleHost::Topic(const std::string& type, const std::string
   return type + '\n' + source;
 }
 
-void ExternalModuleHost::Start() {
-  queue_.Start({
+bool ExternalModuleHost::Start() {
+  return queue_.Start({
       [self = shared_from_this()] { self->NameThread(); },
       [self = shared_from_this()](Task task) { self->Handle(std::move(task)); },
       [self = shared_from_this()](std::size_t count) {
@@ -94,7 +94,6 @@ void ExternalModuleHost::Offer(const std::string& topic, const std::shared_ptr<E
 
 bool ExternalModuleHost::AddListener(std::shared_ptr<ExternalModuleListenerInterface> listener,
                                      const std::string& topic) {
-  using Admission = SerialQueue<Task>::Admission;
   const std::shared_ptr<EventHub> hub = Hub();
   const auto added = std::make_shared<Listener>();
   added->target = std::move(listener);
@@ -102,23 +101,40 @@ bool ExternalModuleHost::AddListener(std::shared_ptr<ExternalModuleListenerInter
   const std::lock_guard<std::mutex> lock(mutex_);
   if (!IsActive() || hub == nullptr) return false;
   added->firstNumber = (isRegistering_ ? acceptedCount_ : hub->AcceptedCount()) + 1;
+  if (!topic.empty() && !isRegistering_ && listeners_.contains(topic)) {
+    // The one before hears what waits already, so that no event falls between the two.
+    Do([this, topic, added] { Replace(topic, added); });
+    return true;
+  }
   if (topic.empty()) {
     wildcardListeners_.push_back(added);
   } else {
-    ListenerPointer& place = listeners_[topic];
-    replaced = std::exchange(place, added);
+    replaced = std::exchange(listeners_[topic], added);
   }
   if (isRegistering_) {
     // Events may wait already that these listeners are to hear; they are told before those.
     std::erase(addedWhileRegistering_, replaced);
     addedWhileRegistering_.push_back(added);
-    return true;
+  } else {
+    Do([this, added] { TellRegistered(added); });
   }
-  if (replaced != nullptr) {
-    queue_.Push({nullptr, [this, replaced] { TellUnregistered(replaced); }}, Admission::Always);
-  }
-  queue_.Push({nullptr, [this, added] { TellRegistered(added); }}, Admission::Always);
   return true;
+}
+
+void ExternalModuleHost::Do(std::function<void()> action) {
+  queue_.Push({nullptr, std::move(action)}, SerialQueue<Task>::Admission::Always);
+}
+
+void ExternalModuleHost::Replace(const std::string& topic, const ListenerPointer& added) {
+  ListenerPointer replaced;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (!IsActive()) return;
+    replaced = std::exchange(listeners_[topic], added);
+    added->firstNumber = replaced->firstNumber;
+  }
+  TellUnregistered(replaced);
+  TellRegistered(added);
 }
 
 void ExternalModuleHost::TellRegistered(const ListenerPointer& listener) {
@@ -151,8 +167,20 @@ std::vector<ExternalModuleHost::ListenerPointer> ExternalModuleHost::ListenersFo
   return found;
 }
 
-std::size_t ExternalModuleHost::Stop() {
+void ExternalModuleHost::Deactivate() {
+  const std::lock_guard<std::mutex> lock(mutex_);
   isActive_ = false;
+}
+
+bool ExternalModuleHost::WhileActive(const std::function<void()>& action) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!IsActive()) return false;
+  action();
+  return true;
+}
+
+std::size_t ExternalModuleHost::Stop() {
+  Deactivate();
   return queue_.Stop();
 }
 

@@ -39,8 +39,8 @@ class ExternalModuleHost : public std::enable_shared_from_this<ExternalModuleHos
   std::shared_ptr<EventHub> Hub() const { return hub_.lock(); }
   bool IsActive() const { return isActive_.load(); }
 
-  // Throws std::system_error when no thread can be had. Does nothing after Stop.
-  void Start();
+  // Throws std::system_error when no thread can be had. Does nothing, and gives false, after Stop.
+  bool Start();
 
   // Queues an event, numbered by the hub, when a listener may want it. Called on the hub's thread,
   // in order.
@@ -48,7 +48,8 @@ class ExternalModuleHost : public std::enable_shared_from_this<ExternalModuleHos
 
   // Adds a listener that hears events accepted from now on; one that is added while the module is
   // being registered hears those accepted since its registration. An empty topic stands for every
-  // event; for any other, the listener before is replaced. False when the module is leaving.
+  // event; for any other, the listener before is replaced, once it has heard what waits for it.
+  // False when the module is leaving.
   bool AddListener(std::shared_ptr<ExternalModuleListenerInterface> listener,
                    const std::string& topic);
 
@@ -56,8 +57,15 @@ class ExternalModuleHost : public std::enable_shared_from_this<ExternalModuleHos
   // module was stopped before it was called.
   void CallWhenRegistered(std::function<void()> done);
 
-  // Drops the events that wait, and returns how many. The module is told on its own thread, after
-  // the call that is under way.
+  // The module leaves: it hears nothing more, and no listener is added any more.
+  void Deactivate();
+
+  // Runs `action`, which must not call out, unless the module has left, and keeps it from leaving
+  // meanwhile. False when it has left.
+  bool WhileActive(const std::function<void()>& action);
+
+  // Deactivates, drops the events that wait, and returns how many. The module is told on its own
+  // thread, after the call that is under way.
   std::size_t Stop();
 
   bool WaitUntilIdle(Deadline deadline);
@@ -84,6 +92,8 @@ class ExternalModuleHost : public std::enable_shared_from_this<ExternalModuleHos
   void Register();
   void Handle(Task task);
   void Hear(const std::shared_ptr<Event>& event);
+  void Do(std::function<void()> action);
+  void Replace(const std::string& topic, const ListenerPointer& added);
   void TellRegistered(const ListenerPointer& listener);
   void TellUnregistered(const ListenerPointer& listener);
   void End();

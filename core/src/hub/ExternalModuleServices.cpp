@@ -25,6 +25,11 @@ struct Registered {
     if (hub == nullptr) ThrowNotRegistered(__LINE__);
   }
 
+  // The module may leave at any time; what it leaves behind must not come after that.
+  void DoWhileActive(const std::function<void()>& action) const {
+    if (!host->WhileActive(action)) ThrowNotRegistered(__LINE__);
+  }
+
   std::shared_ptr<ExternalModuleHost> host;
   std::shared_ptr<EventHub> hub;
 };
@@ -60,7 +65,12 @@ void ExternalModuleServices::AddListener(
 void ExternalModuleServices::SetSharedEventState(const std::string& stateJson,
                                                  const std::shared_ptr<Event>& event) {
   const Registered registered(host_);
-  if (!registered.hub->SetSharedState(registered.host->Name(), stateJson, event)) {
+  auto text = std::make_shared<const std::string>(stateJson);
+  bool isTaken = false;
+  registered.DoWhileActive([&] {
+    isTaken = registered.hub->SetSharedState(registered.host->Name(), std::move(text), event);
+  });
+  if (!isTaken) {
     throw SdkError(ErrorCodes::kExternalModuleEventDataNotSupported, "the state is too long",
                    DebugInfo(kSourceLocation, __LINE__));
   }
@@ -68,12 +78,14 @@ void ExternalModuleServices::SetSharedEventState(const std::string& stateJson,
 
 void ExternalModuleServices::ClearSharedEventStates() {
   const Registered registered(host_);
-  registered.hub->ClearSharedStates(registered.host->Name());
+  registered.DoWhileActive([&] { registered.hub->ClearSharedStates(registered.host->Name()); });
 }
 
 std::shared_ptr<std::string> ExternalModuleServices::GetSharedEventState(
     const std::string& stateOwner, const std::shared_ptr<Event>& event) {
-  return Registered(host_).hub->GetSharedState(stateOwner, event);
+  const std::shared_ptr<const std::string> text =
+      Registered(host_).hub->GetSharedState(stateOwner, event);
+  return text == nullptr ? nullptr : std::make_shared<std::string>(*text);
 }
 
 void ExternalModuleServices::UnregisterExtension() {

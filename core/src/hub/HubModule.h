@@ -20,16 +20,18 @@ class HubContext {
   // in HubModule::Attach only.
   virtual void Listen(const std::string& type, const std::string& source, Handler handler) = 0;
 
-  // Puts an event in line behind those that wait. One that finds no room is dropped and counted.
+  // Puts an event in line behind those that wait. One that finds no room is dropped and counted; an
+  // answer to a request may use the room kept for requests.
   virtual void Dispatch(std::shared_ptr<Event> event) = 0;
 
   // Publishes the module's state as JSON text, valid from `event` on. False, and the state before
   // stays, when the text is too long.
   virtual bool SetSharedState(const std::string& json, const std::shared_ptr<Event>& event) = 0;
 
-  // The state of a module as it stood at `event`; an empty pointer when it had none.
-  virtual std::shared_ptr<std::string> GetSharedState(const std::string& owner,
-                                                      const std::shared_ptr<Event>& event) = 0;
+  // The state of a module as it stood at `event`, the same pointer as long as it is the same state;
+  // an empty pointer when it had none.
+  virtual std::shared_ptr<const std::string> GetSharedState(
+      const std::string& owner, const std::shared_ptr<Event>& event) = 0;
 
   virtual PlatformServicesInterface& Services() = 0;
 };

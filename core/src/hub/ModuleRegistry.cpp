@@ -13,6 +13,7 @@ bool ModuleRegistry::Reserve(const std::string& name) {
 
 ModuleRegistry::Addition ModuleRegistry::Add(const HostPointer& host) {
   const std::lock_guard<std::mutex> lock(mutex_);
+  if (isClosed_) return Addition::Closed;
   Slot& slot = slots_[host->Name()];
   if (slot.isBuiltIn || slot.active != nullptr) return Addition::Taken;
   slot.active = host;
@@ -20,6 +21,11 @@ ModuleRegistry::Addition ModuleRegistry::Add(const HostPointer& host) {
   active->push_back(host);
   active_ = std::move(active);
   return slot.leaving == nullptr ? Addition::MayStart : Addition::MustWait;
+}
+
+void ModuleRegistry::Close() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  isClosed_ = true;
 }
 
 void ModuleRegistry::Discard(const HostPointer& host) {
@@ -33,7 +39,7 @@ bool ModuleRegistry::Remove(const HostPointer& host) {
   const auto slot = slots_.find(host->Name());
   if (slot == slots_.end() || slot->second.active != host) return false;
   Deactivate(slot->second);
-  slot->second.leaving = host;
+  if (slot->second.leaving == nullptr) slot->second.leaving = host;
   return true;
 }
 

@@ -25,13 +25,17 @@ class ModuleRegistry {
   // Keeps a name for a module of the hub's own. False when it is taken.
   bool Reserve(const std::string& name);
 
-  enum class Addition { Taken, MayStart, MustWait };
+  enum class Addition { Taken, MayStart, MustWait, Closed };
   Addition Add(const HostPointer& host);
 
-  // Takes back an addition whose start has failed.
+  // From now on nothing is added any more. All() then holds whatever was.
+  void Close();
+
+  // Takes back an addition that has not been started.
   void Discard(const HostPointer& host);
 
-  // The module leaves. False when it had left already.
+  // The module leaves. False when it had left already. One that still waits for its predecessor has
+  // nothing to end, so that nobody waits for it in turn.
   bool Remove(const HostPointer& host);
 
   // The module's thread is at its end. Returns the one that waited for it, which may now start.
@@ -56,6 +60,7 @@ class ModuleRegistry {
   void Deactivate(Slot& slot);
 
   mutable std::mutex mutex_;
+  bool isClosed_ = false;
   std::map<std::string, Slot> slots_;
   std::shared_ptr<const Hosts> active_;  // replaced, never changed
   Hosts ended_;

@@ -36,17 +36,22 @@ class SerialQueue {
   struct Handlers {
     std::function<void()> begin;                      // first
     std::function<void(Item)> handle;                 // for each item; must not throw
-    std::function<void(std::size_t)> reportOverflow;  // room is back: so many were counted
+    std::function<void(std::size_t)> reportOverflow;  // so many were counted; once there is room
+                                                      // again, or at the end
     std::function<void()> end;                        // last, after Stop
   };
 
   enum class Outcome { Accepted, Full, Stopped };
 
   // How an item meets a full queue: it is refused, or refused and counted for `reportOverflow`, or
-  // it does not count at all and always gets in.
-  enum class Admission { Refusable, CountedWhenRefused, Always };
+  // it may use the reserve and is refused and counted when that is full too, or it does not count
+  // at all and always gets in.
+  enum class Admission { Refusable, CountedWhenRefused, Reserved, Always };
 
-  explicit SerialQueue(std::size_t capacity) : capacity_(static_cast<std::int64_t>(capacity)) {}
+  // `reserve` is room beyond `capacity` that only Reserved items may take.
+  explicit SerialQueue(std::size_t capacity, std::size_t reserve = 0)
+      : capacity_(static_cast<std::int64_t>(capacity)),
+        reserve_(static_cast<std::int64_t>(reserve)) {}
 
   ~SerialQueue() {
     Stop();
@@ -61,11 +66,11 @@ class SerialQueue {
   SerialQueue(const SerialQueue&) = delete;
   SerialQueue& operator=(const SerialQueue&) = delete;
 
-  // Begins to handle items; those pushed before have waited. Called once; does nothing after Stop.
-  // Throws std::system_error when no thread can be had.
-  void Start(Handlers handlers) {
+  // Begins to handle items; those pushed before have waited. Called once; does nothing, and gives
+  // false, after Stop. Throws std::system_error when no thread can be had.
+  bool Start(Handlers handlers) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    if (isStopped_) return;
+    if (isStopped_) return false;
     thread_ = std::thread([this, handlers = std::move(handlers), isDone = isDone_]() mutable {
       serialQueueOfThisThread = this;
       Run(handlers);
@@ -73,6 +78,8 @@ class SerialQueue {
       handlers = Handlers();
       isDone->store(true);
     });
+    isStarted_ = true;
+    return true;
   }
 
   Outcome Push(Item item, Admission admission) {
@@ -80,8 +87,9 @@ class SerialQueue {
       const std::lock_guard<std::mutex> lock(mutex_);
       if (isStopped_) return Outcome::Stopped;
       if (admission != Admission::Always) {
-        if (unclaimed_.load() >= capacity_) {
-          if (admission == Admission::CountedWhenRefused) ++refused_;
+        const std::int64_t room = capacity_ + (admission == Admission::Reserved ? reserve_ : 0);
+        if (unclaimed_.load() >= room) {
+          if (admission != Admission::Refusable) ++refused_;
           return Outcome::Full;
         }
         ++unclaimed_;
@@ -108,7 +116,8 @@ class SerialQueue {
   }
 
   // Drops what waits; the thread ends after the item that it is handling. Returns how many items
-  // were dropped, those that always get in left out; a later call returns 0.
+  // were dropped, those that always get in left out, and, when no thread will report them, those
+  // that were refused and counted; a later call returns 0.
   std::size_t Stop() {
     std::deque<Entry> dropped;
     std::int64_t count = 0;
@@ -117,6 +126,7 @@ class SerialQueue {
       if (isStopped_) return 0;
       isStopped_ = true;
       count = unclaimed_.exchange(kNothingLeft);
+      if (!isStarted_) count += static_cast<std::int64_t>(std::exchange(refused_, 0));
       dropped.swap(waiting_);
       itemCame_.notify_all();
       becameIdle_.notify_all();
@@ -158,6 +168,10 @@ class SerialQueue {
       }
       batch.clear();
     }
+    {
+      std::unique_lock<std::mutex> lock(mutex_);
+      ReportRefused(lock, handlers);
+    }
     if (handlers.end) handlers.end();
   }
 
@@ -168,7 +182,7 @@ class SerialQueue {
 
   bool TakeBatch(std::vector<Entry>& batch, const Handlers& handlers) {
     std::unique_lock<std::mutex> lock(mutex_);
-    ReportOverflow(lock, handlers);
+    if (unclaimed_.load() < capacity_) ReportRefused(lock, handlers);
     while (waiting_.empty() && !isStopped_) {
       isBusy_ = false;
       isSleeping_ = true;
@@ -184,8 +198,8 @@ class SerialQueue {
     return !isStopped_;
   }
 
-  void ReportOverflow(std::unique_lock<std::mutex>& lock, const Handlers& handlers) {
-    if (refused_ == 0 || unclaimed_.load() >= capacity_) return;
+  void ReportRefused(std::unique_lock<std::mutex>& lock, const Handlers& handlers) {
+    if (refused_ == 0) return;
     const std::size_t count = std::exchange(refused_, 0);
     lock.unlock();
     if (handlers.reportOverflow) handlers.reportOverflow(count);
@@ -193,6 +207,7 @@ class SerialQueue {
   }
 
   const std::int64_t capacity_;
+  const std::int64_t reserve_;
   const std::shared_ptr<std::atomic<bool>> isDone_ = std::make_shared<std::atomic<bool>>(false);
   std::atomic<std::int64_t> unclaimed_{0};  // accepted and not begun; far below zero once stopped
   std::atomic<std::int64_t> accepted_{0};
@@ -203,6 +218,7 @@ class SerialQueue {
   std::condition_variable becameIdle_;
   std::deque<Entry> waiting_;
   std::size_t refused_ = 0;
+  bool isStarted_ = false;
   bool isBusy_ = false;
   bool isSleeping_ = false;
   std::thread thread_;

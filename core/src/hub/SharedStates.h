@@ -17,23 +17,24 @@ namespace Velmora {
 // always is. For an event older than all that is kept, the oldest one kept answers.
 class SharedStates {
  public:
+  using Text = std::shared_ptr<const std::string>;
+
   static constexpr std::size_t kMaxVersions = 1'000;
   static constexpr std::size_t kMaxBytes = std::size_t{16} * 1024 * 1024;
 
   // Sets the state that is valid from `number` on, in the place of one set for the same number.
   // The empty text is a state that is pending. A text longer than kMaxBytes is refused: false.
-  bool Set(const std::string& owner, const std::string& text, std::int64_t number);
+  bool Set(const std::string& owner, Text text, std::int64_t number);
 
   void Clear(const std::string& owner);
 
-  // A copy of the state as it stood at the event of that number, or of the newest one without a
-  // number. An empty pointer when the owner had none.
-  std::shared_ptr<std::string> Get(const std::string& owner,
-                                   std::optional<std::int64_t> number) const;
+  // The state as it stood at the event of that number, or the newest one without a number; the same
+  // pointer as long as it is the same state. An empty pointer when the owner had none.
+  Text Get(const std::string& owner, std::optional<std::int64_t> number) const;
 
  private:
   struct Versions {
-    std::map<std::int64_t, std::shared_ptr<const std::string>> texts;
+    std::map<std::int64_t, Text> texts;
     std::size_t bytes = 0;
     bool isIncomplete = false;  // old versions have gone
   };

@@ -47,16 +47,16 @@ void AnalyticsModule::OnRequest(const EventPointer& event) {
 }
 
 std::optional<MobilePrivacyStatus> AnalyticsModule::StatusAt(const EventPointer& event) {
-  const std::shared_ptr<std::string> configuration =
+  const std::shared_ptr<const std::string> configuration =
       hub_->GetSharedState(EventTypes::kConfiguration, event);
   if (configuration == nullptr) return std::nullopt;
-  if (*configuration != knownConfiguration_) {
+  if (configuration != knownConfiguration_) {
     const std::optional<VariantMap> members = JsonText::Read(hub_->Services(), *configuration);
     knownStatus_ = std::nullopt;
     if (members.has_value() && members->contains(EventKeys::kPrivacyStatus)) {
       knownStatus_ = PrivacyStatusOf(members->at(EventKeys::kPrivacyStatus));
     }
-    knownConfiguration_ = *configuration;
+    knownConfiguration_ = configuration;
   }
   return knownStatus_;
 }

@@ -25,8 +25,9 @@ class AnalyticsModule final : public HubModule {
 
   HubContext* hub_ = nullptr;
 
-  // The configuration last looked at, and what it said.
-  std::string knownConfiguration_;
+  // The configuration last looked at, held so that no other text can have its address, and what it
+  // said.
+  std::shared_ptr<const std::string> knownConfiguration_;
   std::optional<MobilePrivacyStatus> knownStatus_;
 };
 

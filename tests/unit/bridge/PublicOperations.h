@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "QEXCore_iOS/QEXCore.h"
+#include "support/ScriptedExtension.h"
 
 namespace TestSupport {
 
@@ -62,6 +63,13 @@ inline std::vector<PublicOperation> PublicOperations() {
          QEXCore::collectLaunchInfo({{"krv_deeplink", "app://"}});
        }},
       {"downloadRules", "DownloadRules", [] { QEXCore::downloadRules(); }},
+      {"registerExtension", "RegisterExternalModule",
+       [] { QEXCore::registerExtension(Platform::ClassOf<ScriptedExtension<>>(), nullptr); }},
+      {"dispatchEvent", "DispatchEvent", [] { QEXCore::dispatchEvent(nullptr, nullptr); }},
+      {"dispatchEventWithResponseCallback", "DispatchEventWithResponseCallback",
+       [] { QEXCore::dispatchEventWithResponseCallback(nullptr, nullptr, nullptr); }},
+      {"dispatchResponseEvent", "DispatchResponseEvent",
+       [] { QEXCore::dispatchResponseEvent(nullptr, nullptr, nullptr); }},
   };
 }
 

@@ -1,3 +1,4 @@
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <string>
@@ -10,6 +11,18 @@ namespace {
 using TestSupport::LogLevel;
 using Velmora::EventData;
 using Velmora::MobilePrivacyStatus;
+
+// Counts the texts that are read as JSON.
+class CountingJsonService final : public Velmora::NativeJsonUtilityService {
+ public:
+  using Velmora::NativeJsonUtilityService::CreateJsonObject;
+  std::shared_ptr<Velmora::JsonObject> CreateJsonObject(const std::string& json) override {
+    ++count;
+    return Velmora::NativeJsonUtilityService::CreateJsonObject(json);
+  }
+
+  std::atomic<int> count{0};
+};
 
 class AnalyticsModuleTest : public CoreFixture {
  protected:
@@ -54,6 +67,19 @@ TEST_F(AnalyticsModuleTest, FollowsThePrivacyStatusAsItStoodAtEachEvent) {
     }
   }
   EXPECT_THAT(actions, testing::ElementsAre("before", "after"));
+}
+
+TEST_F(AnalyticsModuleTest, ReadsEachConfigurationOnce) {
+  const auto json = std::make_shared<CountingJsonService>();
+  services->jsonUtility = json;
+  StartCore();
+  core->UpdateConfiguration({{"large", Velmora::Variant::FromString(std::string(5'000'000, 'x'))}});
+  for (int count = 0; count < 1'000; ++count) Track("one");
+  core->UpdateConfiguration({{"large", nullptr}});
+  Track("two");
+  Finish();
+  EXPECT_EQ(CountHeard(EventTypes::kAnalytics, EventSources::kPrepared), 1'001U);
+  EXPECT_EQ(json->count, 2);
 }
 
 TEST_F(AnalyticsModuleTest, AVisitorWhoOptedOutStaysSoAfterARestart) {

@@ -66,6 +66,55 @@ TEST_F(CoreRequestsTest, CreateTakesAHubThatItIsGiven) {
   core->Dispose();
 }
 
+TEST_F(CoreRequestsTest, CreateRefusesAHubThatServesAnotherCore) {
+  const auto hub = Velmora::EventHub::Create(services);
+  core = Core::Create(services, hub);
+  EXPECT_EQ(CodeThrownBy([&] { Core::Create(services, hub); }),
+            ErrorCodes::kEventHubAlreadyStarted);
+  EXPECT_EQ(Dispatch(NewEvent("event")), "") << "the first core goes on";
+  core->Dispose();
+  EXPECT_EQ(CodeThrownBy([&] { Core::Create(services, hub); }), ErrorCodes::kEventHubDisposed);
+}
+
+// Keeps the hub's thread at a gate when it meets a "block" event.
+class BlockingModule final : public Velmora::HubModule {
+ public:
+  explicit BlockingModule(std::shared_ptr<Gate> gate) : gate_(std::move(gate)) {}
+  std::string GetName() const override { return "blocking"; }
+  void Attach(Velmora::HubContext& context) override {
+    context.Listen("block", "test", [this](const EventPointer&) { gate_->Pass(); });
+  }
+
+ private:
+  const std::shared_ptr<Gate> gate_;
+};
+
+TEST_F(CoreRequestsTest, AFloodOfEventsAndReportsDropsNoOptOut) {
+  constexpr int kFlood = 100;
+  Velmora::EventHubLimits limits;
+  limits.events = 50;
+  const auto hub = Velmora::EventHub::Create(services, limits);
+  const auto gate = std::make_shared<Gate>();
+  hub->AddModule(std::make_unique<BlockingModule>(gate));
+  core = Core::Create(services, hub);
+  EXPECT_EQ(Dispatch(NewEvent("wait", "block", "test")), "");
+  gate->AwaitArrivals();
+  for (int count = 0; count < kFlood; ++count) {
+    core->Track(std::make_shared<EventData>());
+    core->CollectPii({});
+    core->CollectData({});
+  }
+  EXPECT_EQ(Dispatch(NewEvent("flood")), ErrorCodes::kEventHubQueueFull);
+  core->SetPrivacyStatus(MobilePrivacyStatus::OptedOut);
+  TestSupport::Guarded<std::vector<MobilePrivacyStatus>> statuses;
+  core->GetPrivacyStatus([&](const MobilePrivacyStatus& status) { statuses.Set({status}); });
+  log.ExpectLine(LogLevel::Warning, "EventHub", testing::EndsWith("because the queue was full"));
+  log.AllowLines(LogLevel::Warning, "EventHub", testing::EndsWith("because the queue was full"));
+  gate->Open();
+  EXPECT_TRUE(WaitUntil([&] { return !statuses.Get().empty(); }));
+  EXPECT_THAT(statuses.Get(), ElementsAre(MobilePrivacyStatus::OptedOut));
+}
+
 TEST_F(CoreRequestsTest, ConfigureWithAppId) {
   StartCore();
   AllowDebug("Configuration");

@@ -135,6 +135,7 @@ TEST_F(EventHubTest, HandlesEventsDispatchedBeforeItStarts) {
 TEST_F(EventHubTest, RefusesEventsBeyondItsLimitAndCountsItsOwn) {
   Velmora::EventHubLimits limits;
   limits.events = 3;
+  limits.requests = 0;
   hub = EventHub::Create(services, limits);
   const auto listener = std::make_shared<RecordingListener>();
   RegisterWith("listening", listener);
@@ -149,6 +150,44 @@ TEST_F(EventHubTest, RefusesEventsBeyondItsLimitAndCountsItsOwn) {
   Finish();
   EXPECT_THAT(listener->Names(), ElementsAre("1", "2", "3", "7"));
   EXPECT_EQ(listener->Heard()[3]->GetNumber(), 4);
+}
+
+TEST_F(EventHubTest, AFloodLeavesRoomForTheCoresOwnRequests) {
+  Velmora::EventHubLimits limits;
+  limits.events = 3;
+  limits.requests = 2;
+  hub = EventHub::Create(services, limits);
+  const auto listener = std::make_shared<RecordingListener>();
+  RegisterWith("listening", listener);
+  for (const char* name : {"1", "2", "3"}) EXPECT_EQ(Dispatch(NewEvent(name)), "");
+  EXPECT_EQ(Dispatch(NewEvent("flood")), ErrorCodes::kEventHubQueueFull);
+  hub->PostReport(NewEvent("report"));
+  CallLog calls;
+  hub->Post(NewEvent("4"));
+  hub->PostAndFollow(NewEvent("5"), [&] { Add(calls, "done"); });
+  hub->Post(NewEvent("beyond the reserve"));
+  EXPECT_EQ(Dispatch(NewEvent("flood")), ErrorCodes::kEventHubQueueFull);
+  log.ExpectLine(LogLevel::Warning, "EventHub", "2 events were dropped because the queue was full");
+  hub->Start();
+  Finish();
+  EXPECT_THAT(listener->Names(), ElementsAre("1", "2", "3", "4", "5"));
+  EXPECT_THAT(calls.Get(), ElementsAre("done"));
+}
+
+TEST_F(EventHubTest, TakesNoModulesOfItsOwnOnceItHasStarted) {
+  class OwnModule final : public Velmora::HubModule {
+   public:
+    std::string GetName() const override { return "own"; }
+    void Attach(Velmora::HubContext& /*context*/) override {}
+  };
+  hub = EventHub::Create(services);
+  hub->AddModule(std::make_unique<OwnModule>());
+  const auto add = [this] { hub->AddModule(std::make_unique<OwnModule>()); };
+  EXPECT_EQ(CodeThrownBy(add), ErrorCodes::kExternalModuleDuplicateModuleName);
+  hub->Start();
+  EXPECT_EQ(CodeThrownBy(add), ErrorCodes::kEventHubAlreadyStarted);
+  Finish();
+  EXPECT_EQ(CodeThrownBy(add), ErrorCodes::kEventHubDisposed);
 }
 
 TEST_F(EventHubTest, DropsEventsBeyondAModulesLimitWithoutHarmToOthers) {

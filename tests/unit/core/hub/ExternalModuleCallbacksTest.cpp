@@ -1,6 +1,8 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "VelmoraCore/ErrorCodes.h"
 #include "unit/core/hub/HubFixture.h"
@@ -128,6 +130,32 @@ TEST_F(ExternalModuleCallbacksTest, AListenerForTheSamePairReplacesTheOneBefore)
   EXPECT_THAT(before->Calls(), ElementsAre("registered", "heard first", "unregistered"));
   EXPECT_THAT(after->Calls(), ElementsAre("registered", "heard second", "unregistered"));
   EXPECT_THAT(elsewhere->Names(), ElementsAre("first", "second"));
+}
+
+TEST_F(ExternalModuleCallbacksTest, NoEventFallsBetweenAListenerAndTheOneThatReplacesIt) {
+  constexpr int kEvents = 2'000;
+  StartHub();
+  std::vector<std::shared_ptr<RecordingListener>> listeners;
+  listeners.push_back(std::make_shared<RecordingListener>());
+  const auto module = RegisterWith("module", listeners.front());
+  EXPECT_TRUE(module->WaitForCalls({"register"}));
+  std::thread dispatching([this] {
+    for (int count = 0; count < kEvents; ++count) EXPECT_EQ(Dispatch(NewEvent("event")), "");
+  });
+  for (int count = 0; count < 50; ++count) {
+    listeners.push_back(std::make_shared<RecordingListener>());
+    module->Services()->RegisterListener(listeners.back(), "test.type", "test.source");
+    // Ever later in the course of the events.
+    EXPECT_TRUE(TestSupport::WaitUntil([&] { return hub->AcceptedCount() >= count * 40; }));
+  }
+  dispatching.join();
+  Finish();
+  std::int64_t next = 1;
+  for (const auto& listener : listeners) {
+    EXPECT_EQ(listener->Calls().back(), "unregistered");
+    for (const EventPointer& event : listener->Heard()) EXPECT_EQ(event->GetNumber(), next++);
+  }
+  EXPECT_EQ(next, kEvents + 1);
 }
 
 TEST_F(ExternalModuleCallbacksTest, OneModuleHearsForTheTypeFirstThenForEverything) {

@@ -10,6 +10,7 @@
 namespace {
 
 using testing::ElementsAre;
+using TestSupport::LogLevel;
 using TestSupport::WaitUntil;
 namespace ErrorCodes = Velmora::ErrorCodes;
 
@@ -137,6 +138,51 @@ TEST_F(ExternalModuleLeavingTest, AModuleMayComeBackFromItsLastCall) {
   EXPECT_TRUE(module->WaitForCalls({"register"}));
   module->Services()->UnregisterExtension();
   EXPECT_TRUE(successor->WaitForCalls({"register"}));
+}
+
+TEST_F(ExternalModuleLeavingTest, ASuccessorsStateIsItsOwn) {
+  constexpr int kRounds = 100;
+  constexpr int kThreads = 4;
+  constexpr std::int64_t kLaterThanAll = 1'000'000'000;
+  log.AllowLines(LogLevel::Warning, "EventHub", testing::EndsWith("because the queue was full"));
+  StartHub();
+  const auto reader = std::make_shared<RecordingModule>("reader");
+  EXPECT_EQ(Register(reader), "");
+  EXPECT_TRUE(reader->WaitForCalls({"register"}));
+  for (int round = 0; round < kRounds; ++round) {
+    const auto former = std::make_shared<RecordingModule>("module");
+    EXPECT_EQ(Register(former), "");
+    EXPECT_TRUE(former->WaitForCalls({"register"}));
+    // Go on setting states, off the module's thread, until they are told that it has left.
+    std::vector<std::thread> setting;
+    std::atomic<int> begun{0};
+    for (int thread = 0; thread < kThreads; ++thread) {
+      setting.emplace_back([&former, &begun] {
+        const auto set = [&former] { former->Services()->SetSharedEventState("former", nullptr); };
+        EXPECT_EQ(CodeThrownBy(set), "");
+        ++begun;
+        while (CodeThrownBy(set).empty()) {
+        }
+      });
+    }
+    EXPECT_TRUE(WaitUntil([&] { return begun == kThreads; }));
+    const auto successor = std::make_shared<RecordingModule>("module");
+    successor->onRegister = [](const ModuleServices& moduleServices) {
+      moduleServices->SetSharedEventState("successor", NewEvent("")->WithNumber(kLaterThanAll));
+    };
+    former->Services()->UnregisterExtension();
+    EXPECT_EQ(Register(successor), "");
+    EXPECT_TRUE(successor->WaitForCalls({"register"}));
+    for (std::thread& thread : setting) thread.join();
+    const auto state = [&] { return reader->Services()->GetSharedEventState("module", nullptr); };
+    EXPECT_TRUE(WaitUntil([&] { return state() != nullptr; }));
+    ASSERT_EQ(*state(), "successor");
+    const EventPointer before = NewEvent("")->WithNumber(kLaterThanAll - 1);
+    ASSERT_EQ(reader->Services()->GetSharedEventState("module", before), nullptr)
+        << "a state of the former module came late";
+    successor->Services()->UnregisterExtension();
+    EXPECT_TRUE(successor->WaitForCalls({"register", "unregister"}));
+  }
 }
 
 TEST_F(ExternalModuleLeavingTest, AModuleIsReleasedWhenItHasLeft) {

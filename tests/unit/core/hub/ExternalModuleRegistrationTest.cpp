@@ -102,6 +102,42 @@ TEST_F(ExternalModuleRegistrationTest, WorksFromManyThreadsAtOnce) {
   }
 }
 
+TEST_F(ExternalModuleRegistrationTest, WhoComesWhileTheHubIsDisposedIsEitherRefusedOrTold) {
+  constexpr int kRounds = 50;
+  constexpr int kThreads = 4;
+  for (int round = 0; round < kRounds; ++round) {
+    StartHub();
+    std::vector<std::shared_ptr<RecordingModule>> modules;
+    std::vector<std::string> codes(kThreads);
+    Gate gate;
+    std::vector<std::thread> threads;
+    for (std::size_t thread = 0; thread < kThreads; ++thread) {
+      modules.push_back(std::make_shared<RecordingModule>("module " + std::to_string(thread)));
+      threads.emplace_back([&, thread] {
+        gate.Pass();
+        codes[thread] = Register(modules[thread]);
+      });
+    }
+    gate.AwaitArrivals(kThreads);
+    gate.Open();
+    hub->Dispose(kLongEnough);
+    // Those that were accepted have had all their calls by now.
+    for (const auto& module : modules) {
+      EXPECT_THAT(module->Calls(),
+                  testing::AnyOf(ElementsAre(), ElementsAre("register", "unregister")));
+    }
+    for (std::thread& thread : threads) thread.join();
+    for (std::size_t thread = 0; thread < kThreads; ++thread) {
+      if (codes[thread].empty()) {
+        EXPECT_THAT(modules[thread]->Calls(), ElementsAre("register", "unregister"));
+      } else {
+        EXPECT_EQ(codes[thread], ErrorCodes::kEventHubDisposed);
+        EXPECT_THAT(modules[thread]->Calls(), ElementsAre());
+      }
+    }
+  }
+}
+
 TEST_F(ExternalModuleRegistrationTest, EventsAfterTheRegistrationReachTheListenersThatItMakes) {
   StartHub();
   const auto gate = std::make_shared<Gate>();

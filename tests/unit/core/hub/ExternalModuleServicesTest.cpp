@@ -103,6 +103,14 @@ TEST_F(ExternalModuleServicesTest, StatesGoWithTheirModule) {
   EXPECT_EQ(TextOf(reader->GetSharedEventState("module", nullptr)), "none");
 }
 
+TEST_F(ExternalModuleServicesTest, WhatIsReadIsACopy) {
+  StartHub();
+  const ModuleServices module = ServicesOf("module");
+  module->SetSharedEventState("text", nullptr);
+  *module->GetSharedEventState("module", nullptr) = "changed";
+  EXPECT_EQ(TextOf(module->GetSharedEventState("module", nullptr)), "text");
+}
+
 TEST_F(ExternalModuleServicesTest, RefusesAStateThatIsTooLong) {
   StartHub();
   const ModuleServices module = ServicesOf("module");

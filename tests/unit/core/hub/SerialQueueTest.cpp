@@ -83,6 +83,48 @@ TEST(SerialQueue, RefusesTheNewestWhenFullAndReportsTheCountedOnesOnce) {
   EXPECT_THAT(handled.overflows.Get(), ElementsAre(2U));
 }
 
+TEST(SerialQueue, KeepsAReserveForThoseThatMayUseIt) {
+  Handled handled;
+  Queue queue(1, 2);
+  EXPECT_EQ(queue.Push(1, Admission::Refusable), Outcome::Accepted);
+  EXPECT_EQ(queue.Push(2, Admission::CountedWhenRefused), Outcome::Full);
+  EXPECT_EQ(queue.Push(3, Admission::Reserved), Outcome::Accepted);
+  EXPECT_EQ(queue.Push(4, Admission::Reserved), Outcome::Accepted);
+  EXPECT_EQ(queue.Push(5, Admission::Reserved), Outcome::Full);
+  EXPECT_EQ(queue.AcceptedCount(), 3);
+  EXPECT_TRUE(queue.Start(handled.Handlers()));
+  EXPECT_TRUE(queue.WaitUntilIdle(InTime()));
+  EXPECT_THAT(handled.items.Get(), ElementsAre(1, 3, 4));
+  EXPECT_THAT(handled.overflows.Get(), ElementsAre(2U));
+}
+
+TEST(SerialQueue, ReportsAtTheEndWhatWasRefusedAndNotYetReported) {
+  const auto gate = std::make_shared<Gate>();
+  Handled handled;
+  bool hadBeenReported = false;
+  Queue queue(1);
+  Queue::Handlers handlers = handled.Handlers(gate);
+  handlers.end = [&] { hadBeenReported = !handled.overflows.Get().empty(); };
+  queue.Start(std::move(handlers));
+  queue.Push(1, Admission::Refusable);
+  gate->AwaitArrivals();
+  queue.Push(2, Admission::Refusable);
+  queue.Push(3, Admission::CountedWhenRefused);
+  EXPECT_EQ(queue.Stop(), 1U) << "the refused one is not counted twice";
+  gate->Open();
+  queue.Join();
+  EXPECT_THAT(handled.overflows.Get(), ElementsAre(1U));
+  EXPECT_TRUE(hadBeenReported);
+}
+
+TEST(SerialQueue, CountsTheRefusedOnesAsDroppedWhenNoThreadWillReportThem) {
+  Queue queue(1);
+  queue.Push(1, Admission::Refusable);
+  queue.Push(2, Admission::CountedWhenRefused);
+  queue.Push(3, Admission::Refusable);
+  EXPECT_EQ(queue.Stop(), 2U);
+}
+
 TEST(SerialQueue, StopDropsAndCountsWhatHasNotBegun) {
   const auto gate = std::make_shared<Gate>();
   Handled handled;
@@ -111,7 +153,7 @@ TEST(SerialQueue, DoesNotStartAfterStop) {
   Queue queue(10);
   queue.Push(1, Admission::Refusable);
   EXPECT_EQ(queue.Stop(), 1U);
-  queue.Start(handled.Handlers());
+  EXPECT_FALSE(queue.Start(handled.Handlers()));
   queue.Join();
   EXPECT_TRUE(handled.items.Get().empty());
 }

@@ -14,8 +14,12 @@ class SharedStatesTest : public testing::Test {
   // "none" for an empty pointer.
   std::string At(std::int64_t number) const { return TextOf(states.Get("owner", number)); }
   std::string Newest() const { return TextOf(states.Get("owner", std::nullopt)); }
-  static std::string TextOf(const std::shared_ptr<std::string>& text) {
+  static std::string TextOf(const SharedStates::Text& text) {
     return text == nullptr ? "none" : *text;
+  }
+
+  bool Set(const std::string& owner, const std::string& text, std::int64_t number) {
+    return states.Set(owner, std::make_shared<const std::string>(text), number);
   }
 
   SharedStates states;
@@ -27,8 +31,8 @@ TEST_F(SharedStatesTest, AnUnknownOwnerHasNoState) {
 }
 
 TEST_F(SharedStatesTest, AStateIsValidFromItsEventUntilTheNext) {
-  states.Set("owner", "three", 3);
-  states.Set("owner", "seven", 7);
+  Set("owner", "three", 3);
+  Set("owner", "seven", 7);
   EXPECT_EQ(At(2), "none");
   EXPECT_EQ(At(3), "three");
   EXPECT_EQ(At(6), "three");
@@ -38,38 +42,41 @@ TEST_F(SharedStatesTest, AStateIsValidFromItsEventUntilTheNext) {
 }
 
 TEST_F(SharedStatesTest, APendingStateIsAnEmptyTextUntilItIsSet) {
-  states.Set("owner", "", 4);
+  Set("owner", "", 4);
   EXPECT_EQ(At(4), "");
-  states.Set("owner", "{}", 4);
+  Set("owner", "{}", 4);
   EXPECT_EQ(At(4), "{}");
 }
 
 TEST_F(SharedStatesTest, AnEarlierStateMayComeLater) {
-  states.Set("owner", "seven", 7);
-  states.Set("owner", "three", 3);
+  Set("owner", "seven", 7);
+  Set("owner", "three", 3);
   EXPECT_EQ(At(5), "three");
   EXPECT_EQ(Newest(), "seven");
 }
 
 TEST_F(SharedStatesTest, OwnersAreApart) {
-  states.Set("owner", "mine", 1);
-  states.Set("other", "theirs", 1);
+  Set("owner", "mine", 1);
+  Set("other", "theirs", 1);
   states.Clear("other");
   EXPECT_EQ(Newest(), "mine");
   states.Clear("owner");
   EXPECT_EQ(Newest(), "none");
 }
 
-TEST_F(SharedStatesTest, WhatIsHandedOutIsACopy) {
-  states.Set("owner", "text", 1);
-  *states.Get("owner", std::nullopt) = "changed";
-  EXPECT_EQ(Newest(), "text");
+TEST_F(SharedStatesTest, HandsOutTheSamePointerForTheSameState) {
+  Set("owner", "text", 1);
+  const SharedStates::Text first = states.Get("owner", 1);
+  EXPECT_EQ(states.Get("owner", 7), first);
+  EXPECT_EQ(states.Get("owner", std::nullopt), first);
+  Set("owner", "text", 2);
+  EXPECT_NE(states.Get("owner", std::nullopt), first);
 }
 
 TEST_F(SharedStatesTest, KeepsTheNewestVersionsOnly) {
   const auto last = static_cast<std::int64_t>(SharedStates::kMaxVersions) + 5;
   for (std::int64_t number = 1; number <= last; ++number) {
-    states.Set("owner", std::to_string(number), number);
+    Set("owner", std::to_string(number), number);
   }
   EXPECT_EQ(Newest(), std::to_string(last));
   EXPECT_EQ(At(6), "6");
@@ -80,15 +87,15 @@ TEST_F(SharedStatesTest, KeepsTheNewestVersionsOnly) {
 
 TEST_F(SharedStatesTest, KeepsNoMoreTextThanItSays) {
   const std::string half(SharedStates::kMaxBytes / 2, 'a');
-  EXPECT_TRUE(states.Set("owner", half, 1));
-  EXPECT_TRUE(states.Set("owner", half, 2));
-  EXPECT_TRUE(states.Set("owner", "small", 3));
+  EXPECT_TRUE(Set("owner", half, 1));
+  EXPECT_TRUE(Set("owner", half, 2));
+  EXPECT_TRUE(Set("owner", "small", 3));
   EXPECT_EQ(At(1).size(), half.size());
   EXPECT_EQ(At(3), "small");
   // The first has gone; a full one leaves nothing else.
-  EXPECT_TRUE(states.Set("owner", std::string(SharedStates::kMaxBytes, 'b'), 4));
+  EXPECT_TRUE(Set("owner", std::string(SharedStates::kMaxBytes, 'b'), 4));
   EXPECT_EQ(At(1), At(4));
-  EXPECT_FALSE(states.Set("owner", std::string(SharedStates::kMaxBytes + 1, 'c'), 5));
+  EXPECT_FALSE(Set("owner", std::string(SharedStates::kMaxBytes + 1, 'c'), 5));
   EXPECT_EQ(Newest(), At(4));
 }
 
