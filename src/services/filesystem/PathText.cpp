@@ -50,7 +50,7 @@ std::string Standardize(std::string_view path) {
   }
   std::string folded(IsAbsolute(path) ? "/" : "");
   for (const std::string_view component : kept) AddComponents(component, folded);
-  if (folded.empty() && !path.empty()) folded = ".";
+  if (folded.empty() && !path.empty()) folded += '.';
   return folded;
 }
 
