@@ -39,6 +39,7 @@ ConfinedFileManager::ConfinedFileManager(std::string root, std::uint64_t bytesTo
 ConfinedFileManager::~ConfinedFileManager() = default;
 
 bool ConfinedFileManager::IsInside(const std::string& path) const {
+  if (path.empty()) return false;
   const auto below = std::filesystem::absolute(path).lexically_normal().lexically_relative(root_);
   return !below.empty() && *below.begin() != "..";
 }

@@ -18,7 +18,8 @@ TEST(ConfinedFileManager, ChangesNothingOutsideItsDirectory) {
   ConfinedFileManager manager(folder.PathOf("inside"));
   for (const std::string& path :
        {outside, folder.PathOf("inside/../outside"), folder.PathOf("inside/a/../../outside"),
-        folder.PathOf("inside-not"), folder.Path().string(), std::string("relative")}) {
+        folder.PathOf("inside-not"), folder.Path().string(), std::string("relative"),
+        std::string()}) {
     EXPECT_FALSE(manager.CreateFile(path)) << path;
     EXPECT_EQ(manager.OpenForWriting(path), nullptr);
     EXPECT_FALSE(manager.IsWritable(path));

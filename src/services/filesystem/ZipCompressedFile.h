@@ -28,7 +28,7 @@ class ZipCompressedFile {
   // The name is used as it stands: nothing confines it to the destination.
   void ExtractFile(const std::string& destination) const;
 
-  // The name, and in the directory's header: the texts are bytes of whatever encoding.
+  // What the headers say. Texts are bytes, of whatever encoding.
   const std::string& Name() const { return central_.name; }
   const ZipCentralHeader& CentralHeader() const { return central_; }
   const ZipLocalHeader& LocalHeader() const { return local_; }
