@@ -30,7 +30,8 @@ void List(Velmora::FileSystemServiceInterface& files, const std::string& directo
     std::cout << "/\n";
     auto names = files.GetDirectoryContents(path);
     std::sort(names.rbegin(), names.rend());
-    for (const std::string& name : names) left.push_back(path + files.GetPathSeparator() + name);
+    const std::string below = path + files.GetPathSeparator();
+    for (const std::string& name : names) left.push_back(below + name);
   }
 }
 

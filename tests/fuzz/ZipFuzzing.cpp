@@ -59,7 +59,8 @@ class Workplace {
   using Manager = TestSupport::ConfinedFileManager;
 
   static std::string MakeFolder() {
-    std::string pattern = (fs::temp_directory_path() / "qexcore-fuzz-").string() + "XXXXXX";
+    std::string pattern =
+        (fs::temp_directory_path() / "qexcore-fuzz-").string() + std::string(6, 'X');
     if (::mkdtemp(pattern.data()) == nullptr) {
       throw std::system_error(errno, std::generic_category(), pattern);
     }

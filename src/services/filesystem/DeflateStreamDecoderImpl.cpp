@@ -8,10 +8,10 @@ constexpr const char* kZlibVersion = "1.2.11";
 
 }  // namespace
 
-DeflateStreamDecoderImpl::~DeflateStreamDecoderImpl() { Finalize(); }
+DeflateStreamDecoderImpl::~DeflateStreamDecoderImpl() { ::inflateEnd(&stream_); }
 
 bool DeflateStreamDecoderImpl::Initialize() {
-  Finalize();
+  ::inflateEnd(&stream_);
   stream_ = {};
   return ::inflateInit2_(&stream_, kRawDeflateWindowBits, kZlibVersion,
                          static_cast<int>(sizeof(stream_))) == Z_OK;
