@@ -13,7 +13,7 @@
 class TemporaryFolder {
  public:
   TemporaryFolder() {
-    path_ = (Parent() / "qexcore-bench-XXXXXX").string();
+    path_ = (Parent() / ("qexcore-bench-" + std::string(6, 'X'))).string();
     if (::mkdtemp(path_.data()) == nullptr) throw std::runtime_error("no temporary folder");
   }
   ~TemporaryFolder() {

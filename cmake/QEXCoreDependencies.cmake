@@ -2,6 +2,7 @@
 
 find_package(PkgConfig REQUIRED)
 find_package(OpenSSL 3.0 REQUIRED COMPONENTS Crypto)
+find_package(ZLIB 1.2.11 REQUIRED)
 pkg_check_modules(SIMDJSON REQUIRED IMPORTED_TARGET simdjson)
 pkg_check_modules(LIBPLIST REQUIRED IMPORTED_TARGET libplist-2.0)
 pkg_check_modules(URIPARSER REQUIRED IMPORTED_TARGET liburiparser)
@@ -15,6 +16,7 @@ add_library(QEXDep::Plist ALIAS PkgConfig::LIBPLIST)
 add_library(QEXDep::Uriparser ALIAS PkgConfig::URIPARSER)
 add_library(QEXDep::Gio ALIAS PkgConfig::GIO)
 add_library(QEXDep::Sqlite ALIAS PkgConfig::SQLITE3)
+add_library(QEXDep::Zlib ALIAS ZLIB::ZLIB)
 
 add_library(QEXDepRapidjson INTERFACE)
 target_include_directories(QEXDepRapidjson SYSTEM INTERFACE ${RAPIDJSON_INCLUDE_DIR})

@@ -2,6 +2,7 @@
 
 #include "services/database/NativeDatabaseService.h"
 #include "services/datastore/NativeLocalStorageService.h"
+#include "services/filesystem/NativeCompressedFileService.h"
 #include "services/filesystem/NativeFileSystemService.h"
 #include "services/json/NativeJsonUtilityService.h"
 #include "services/system/NativeCryptoService.h"
@@ -23,6 +24,7 @@ ServiceFactories NativeServiceFactories() {
   factories.localStorage = CreateNativeLocalStorageService;
   factories.logging = CreateNativeLoggingService;
   factories.url = CreateNativeUrlService;
+  factories.compressedFile = CreateNativeCompressedFileService;
   return factories;
 }
 

@@ -5,12 +5,14 @@
 #include <gmock/gmock.h>
 
 #include "platform/linux/LinuxFileManager.h"
+#include "support/ConfinedFileManager.h"
 #include "support/FakeFileManager.h"
 #include "support/TemporaryDirectory.h"
 
 namespace FileManagerContract {
 
-using Implementations = testing::Types<Platform::LinuxFileManager, TestSupport::FakeFileManager>;
+using Implementations = testing::Types<Platform::LinuxFileManager, TestSupport::FakeFileManager,
+                                       TestSupport::ConfinedFileManager>;
 
 // A file manager and an empty directory to work in.
 template <class Implementation>

@@ -37,7 +37,8 @@ class VELMORA_CORE_API FileHandlerInterface : public virtual ObjectInterface {
   virtual std::uint32_t Write(std::uint32_t count, const std::uint8_t* bytes) = 0;
 
   // Reads into `buffer`, which holds `count` bytes. Returns how many were read: 0 when no file is
-  // open, fewer than `count` at the end of the file or when the device fails.
+  // open, fewer than `count` at the end of the file or when the device fails; once a file is open,
+  // the rest of the buffer is filled with zeros.
   virtual std::uint32_t Read(std::uint32_t count, std::uint8_t* buffer) = 0;
 
   // False when no file is open.

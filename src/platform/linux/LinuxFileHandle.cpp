@@ -82,8 +82,8 @@ void LinuxFileHandle::Close() {
   }
 }
 
-void LinuxFileHandle::ThrowIfClosed(const char* action) const {
-  if (!file_.IsOpen()) throw DeviceError(DescribeFileFailure(action, path_, "It is closed"));
+void LinuxFileHandle::ThrowClosed(const char* action) const {
+  throw DeviceError(DescribeFileFailure(action, path_, "It is closed"));
 }
 
 std::size_t LinuxFileHandle::TakeFromAhead(std::uint64_t offset, std::byte* buffer,

@@ -26,7 +26,10 @@ class LinuxFileHandle final : public FileHandle {
   void Close() override;
 
  private:
-  void ThrowIfClosed(const char* action) const;
+  void ThrowIfClosed(const char* action) const {
+    if (!file_.IsOpen()) ThrowClosed(action);
+  }
+  [[noreturn]] void ThrowClosed(const char* action) const;
   std::size_t TakeFromAhead(std::uint64_t offset, std::byte* buffer, std::size_t count) const;
   void FillAhead(std::uint64_t offset);
   std::size_t ReadFromDevice(std::uint64_t offset, std::byte* buffer, std::size_t count) const;

@@ -3,9 +3,12 @@
 #include <cerrno>
 #include <climits>
 #include <filesystem>
+#include <memory>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -61,12 +64,37 @@ FileType TypeOf(fs::file_type type) {
   }
 }
 
+struct DirectoryCloser {
+  void operator()(DIR* directory) const { ::closedir(directory); }
+};
+using DirectoryStream = std::unique_ptr<DIR, DirectoryCloser>;
+
 // Of the entry itself, mostly without asking the system again: listings bring the types along.
-FileType TypeOf(const fs::directory_entry& entry) {
-  std::error_code error;
-  if (entry.is_symlink(error)) return FileType::Other;
-  if (entry.is_regular_file(error)) return FileType::Regular;
-  return entry.is_directory(error) ? FileType::Directory : FileType::Other;
+FileType TypeOf(DIR* directory, const dirent& entry) {
+  if (entry.d_type == DT_REG) return FileType::Regular;
+  if (entry.d_type == DT_DIR) return FileType::Directory;
+  if (entry.d_type != DT_UNKNOWN) return FileType::Other;
+  struct stat status {};
+  if (::fstatat(::dirfd(directory), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+    return FileType::Other;
+  }
+  if (S_ISREG(status.st_mode)) return FileType::Regular;
+  return S_ISDIR(status.st_mode) ? FileType::Directory : FileType::Other;
+}
+
+// Adds the entries of the directory. 0, or what went wrong.
+int ReadEntries(const std::string& path, std::vector<DirectoryEntry>& entries) {
+  if (const int fault = FaultOfPath(path)) return fault;
+  const DirectoryStream directory(::opendir(path.c_str()));
+  if (!directory) return errno;
+  for (;;) {
+    errno = 0;
+    const dirent* const entry = ::readdir(directory.get());
+    if (entry == nullptr) return errno;
+    const std::string_view name = entry->d_name;
+    if (name == "." || name == "..") continue;
+    entries.push_back({std::string(name), TypeOf(directory.get(), *entry)});
+  }
 }
 
 // Reads a regular file to its end. 0, or what went wrong: EFBIG beyond `limit` bytes, ENOTSUP for
@@ -138,16 +166,9 @@ bool LinuxFileManager::RemoveItem(const std::string& path, Error* error) {
 std::vector<DirectoryEntry> LinuxFileManager::ContentsOfDirectory(const std::string& path,
                                                                   Error* error) const {
   std::vector<DirectoryEntry> entries;
-  std::error_code failure(FaultOfPath(path), std::generic_category());
-  if (!failure) {
-    fs::directory_iterator entry(path, failure);
-    while (!failure && entry != fs::directory_iterator()) {
-      entries.push_back({entry->path().filename().string(), TypeOf(*entry)});
-      entry.increment(failure);
-    }
-  }
-  if (!failure) return entries;
-  WriteFileError(error, "list the directory", path, failure.value());
+  const int failure = ReadEntries(path, entries);
+  if (failure == 0) return entries;
+  WriteFileError(error, "list the directory", path, failure);
   return {};
 }
 

@@ -1,5 +1,6 @@
 #include "services/filesystem/FileHandlerImpl.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "QEXCore_iOS/Platform/DeviceError.h"
@@ -69,7 +70,10 @@ std::uint32_t FileHandlerImpl::Write(std::uint32_t count, const std::uint8_t* by
 
 std::uint32_t FileHandlerImpl::Read(std::uint32_t count, std::uint8_t* buffer) {
   if (!handle_ || buffer == nullptr) return 0;
-  return AdvanceOf(*handle_, [&] { handle_->Read(buffer, count); });
+  const std::uint32_t obtained = AdvanceOf(*handle_, [&] { handle_->Read(buffer, count); });
+  // The caller's whole buffer is written, and with nothing that was not in the file.
+  std::fill(buffer + obtained, buffer + count, std::uint8_t{0});
+  return obtained;
 }
 
 bool FileHandlerImpl::Close() {

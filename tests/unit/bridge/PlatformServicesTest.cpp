@@ -177,6 +177,7 @@ TEST(NativePlatformServices, AreThereForTheCore) {
   const TestSupport::LogCapture log;
   const TestSupport::FakeHost host;
   const auto services = Velmora::CreateNativePlatformServices();
+  EXPECT_NE(services->GetCompressedFileService(), nullptr);
   EXPECT_NE(services->GetCryptoService(), nullptr);
   EXPECT_NE(services->GetDatabaseService(), nullptr);
   EXPECT_NE(services->GetEncodingService(), nullptr);

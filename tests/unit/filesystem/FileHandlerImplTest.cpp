@@ -91,13 +91,16 @@ TEST_F(FileHandlerImplTest, ReadsOnFromWhereItStopped) {
   EXPECT_EQ(Read(*handler, 3), "");
 }
 
-TEST_F(FileHandlerImplTest, LeavesTheRestOfTheBufferAlone) {
+TEST_F(FileHandlerImplTest, FillsTheRestOfTheBufferWithZerosAndNothingBehindIt) {
   WriteFile("file", "ab");
   const auto handler = HandlerOf("file");
   ASSERT_TRUE(handler->OpenForReading());
-  std::string buffer = "????";
+  std::string buffer = "??????";
   EXPECT_EQ(handler->Read(4, reinterpret_cast<std::uint8_t*>(buffer.data())), 2U);
-  EXPECT_EQ(buffer, "ab??");
+  EXPECT_EQ(buffer, std::string("ab\0\0??", 6));
+  host_.fileManager->Fail(FileFault::Read);
+  EXPECT_EQ(handler->Read(6, reinterpret_cast<std::uint8_t*>(buffer.data())), 0U);
+  EXPECT_EQ(buffer, std::string(6, '\0'));
 }
 
 TEST_F(FileHandlerImplTest, MovesToAnyOffset) {

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "QEXCore_iOS/Platform/FileManager.h"
+
+namespace TestSupport {
+
+// The real file system, of which nothing can be changed outside one directory: what tries to fails
+// as it does without permission. Links are not looked at, so none may lead out of the directory.
+// Belongs to one thread.
+class ConfinedFileManager final : public Platform::FileManager {
+ public:
+  static constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
+
+  // `root` is absolute, without "." and "..".
+  explicit ConfinedFileManager(std::string root = "/", std::uint64_t bytesToWrite = kNoLimit);
+  ~ConfinedFileManager() override;
+
+  // From now on all handles together write so many bytes; writing then fails.
+  void SetBytesToWrite(std::uint64_t bytes) { bytesToWrite_ = bytes; }
+
+  // What is left of them.
+  std::uint64_t BytesToWrite() const { return bytesToWrite_; }
+
+  std::string CurrentDirectoryPath() const override;
+  Platform::FileType TypeOfItem(const std::string& path) const override;
+  bool IsWritable(const std::string& path) const override;
+  bool CreateDirectory(const std::string& path, Platform::Error* error) override;
+  bool RemoveItem(const std::string& path, Platform::Error* error) override;
+  std::vector<Platform::DirectoryEntry> ContentsOfDirectory(const std::string& path,
+                                                            Platform::Error* error) const override;
+  std::optional<Platform::FileAttributes> AttributesOfItem(const std::string& path) const override;
+  std::optional<std::string> ReadText(const std::string& path,
+                                      Platform::Error* error) const override;
+  bool CreateFile(const std::string& path) override;
+  std::unique_ptr<Platform::FileHandle> OpenForReading(const std::string& path) override;
+  std::unique_ptr<Platform::FileHandle> OpenForWriting(const std::string& path) override;
+  std::string CachesDirectory() const override;
+  std::string GroupContainerDirectory(const std::string& group) const override;
+
+ private:
+  class Handle;
+
+  bool IsInside(const std::string& path) const;
+  bool Permits(const std::string& path, Platform::Error* error) const;
+
+  const std::unique_ptr<Platform::FileManager> real_;
+  const std::string root_;
+  std::uint64_t bytesToWrite_;
+};
+
+}  // namespace TestSupport
