@@ -94,8 +94,8 @@ void CurlSessionLoop::Begin(TaskId task, std::unique_ptr<CurlTransfer> transfer)
     transfer->Fail(*refusal);
     return;
   }
-  looks_.emplace(transfer->Deadline(), task);
-  running_.emplace(task, std::move(transfer));
+  const auto look = looks_.emplace(transfer->Deadline(), task);
+  running_.emplace(task, Running{std::move(transfer), look});
 }
 
 std::optional<Error> CurlSessionLoop::Admit(CurlTransfer& transfer, TaskId task) {
@@ -118,7 +118,8 @@ std::optional<Error> CurlSessionLoop::Admit(CurlTransfer& transfer, TaskId task)
 std::unique_ptr<CurlTransfer> CurlSessionLoop::Remove(TaskId task) {
   const auto found = running_.find(task);
   if (found == running_.end()) return nullptr;
-  std::unique_ptr<CurlTransfer> transfer = std::move(found->second);
+  std::unique_ptr<CurlTransfer> transfer = std::move(found->second.transfer);
+  looks_.erase(found->second.look);
   running_.erase(found);
   taskOf_.erase(transfer->Handle());
   ::curl_multi_remove_handle(multi_.get(), transfer->Handle());
@@ -145,12 +146,11 @@ void CurlSessionLoop::FailThoseOutOfTime() {
   const Clock::time_point now = Clock::now();
   while (!looks_.empty() && looks_.begin()->first <= now) {
     const TaskId task = looks_.begin()->second;
-    looks_.erase(looks_.begin());
-    const auto found = running_.find(task);
-    if (found == running_.end()) continue;
-    const Clock::time_point deadline = found->second->Deadline();
+    Running& running = running_.at(task);
+    const Clock::time_point deadline = running.transfer->Deadline();
     if (deadline > now) {
-      looks_.emplace(deadline, task);
+      looks_.erase(running.look);
+      running.look = looks_.emplace(deadline, task);
     } else {
       FailTask(task, MakeUrlError(UrlFailure::TimedOut, "It took too long."));
     }
@@ -180,7 +180,6 @@ void CurlSessionLoop::CancelAll() {
   }
   while (!running_.empty()) FailTask(running_.begin()->first, CancelledError());
   for (auto& [task, transfer] : TakeCommands().starts) transfer->Fail(CancelledError());
-  looks_.clear();
   multi_.reset();
 }
 

@@ -70,13 +70,19 @@ class CurlSessionLoop {
   TaskId lastTask_ = 0;                // guarded by mutex_
   CURLM* awakable_ = nullptr;          // guarded by mutex_: multi_, while it can be woken
 
+  // When to look at a transfer next: not later than its deadline, which moves on with every byte.
+  using Looks = std::multimap<Clock::time_point, TaskId>;
+  struct Running {
+    std::unique_ptr<CurlTransfer> transfer;
+    Looks::iterator look;
+  };
+
   // What follows belongs to Run's thread.
   std::unique_ptr<CURLM, CleanUpMulti> multi_;
   std::optional<TrustStore> trust_;
-  std::unordered_map<TaskId, std::unique_ptr<CurlTransfer>> running_;
+  std::unordered_map<TaskId, Running> running_;
   std::unordered_map<CURL*, TaskId> taskOf_;
-  // When to look at a transfer next: not later than its deadline, which moves on with every byte.
-  std::multimap<Clock::time_point, TaskId> looks_;
+  Looks looks_;
 };
 
 }  // namespace Platform

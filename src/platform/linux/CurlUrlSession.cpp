@@ -10,6 +10,7 @@
 #include "QEXCore_iOS/Platform/DeviceError.h"
 #include "platform/linux/CurlSessionLoop.h"
 #include "platform/linux/JoiningThread.h"
+#include "platform/linux/OpenSslLifetime.h"
 
 namespace Platform {
 namespace {
@@ -58,7 +59,10 @@ class CurlUrlSession::Thread {
   JoiningThread thread_;
 };
 
-CurlUrlSession::CurlUrlSession(CurlUrlSessionOptions options) : options_(std::move(options)) {}
+// The session's thread may still be at work when the process ends.
+CurlUrlSession::CurlUrlSession(CurlUrlSessionOptions options) : options_(std::move(options)) {
+  KeepOpenSslAtExit();
+}
 
 CurlUrlSession::~CurlUrlSession() = default;
 
