@@ -19,6 +19,8 @@ setup:
 demo: setup
 	@tools/build dev storefront
 	@tools/demo
+	@tools/build dev devserver download
+	@tools/demo_download
 
 test: setup
 	@tools/build dev

@@ -63,6 +63,8 @@ int Run(const Options& options, const sigset_t& signals) {
   httplib::SSLServer server(
       [&identity](SSL_CTX& context) { return UseIdentity(context, identity); });
   if (!server.is_valid()) throw std::runtime_error("the certificate cannot be used");
+  constexpr std::size_t kClientsAtOnce = 128;
+  server.new_task_queue = [] { return new httplib::ThreadPool(kClientsAtOnce); };
   DevServer::FolderServer files(options.root, options.collected);
   files.AttachTo(server);
   const int port = Listen(server, options.port);
