@@ -1,12 +1,13 @@
 # The front door. `make demo` and `make test` are all that a newcomer needs.
 
-.PHONY: help setup demo test sanitize lint tidy bench fuzz format
+.PHONY: help setup demo test stress sanitize lint tidy bench fuzz format
 
 help:
 	@echo "make demo      install what is missing, build, and run the sample app"
 	@echo "make test      the same set-up, then every test suite"
 	@echo "make lint      layers, formatting, clang's warnings"
 	@echo "make tidy      clang-tidy over every source"
+	@echo "make stress    the tests that take minutes"
 	@echo "make sanitize  the tests under the address, undefined-behaviour and thread sanitizers"
 	@echo "make bench     the figures beside their rivals, also in build/bench/bench.json"
 	@echo "make fuzz      two minutes of fuzzing for each target"
@@ -16,12 +17,17 @@ setup:
 	@tools/setup
 
 demo: setup
-	@tools/build dev storefront services
+	@tools/build dev catalogue devserver download services storefront
 	@tools/demo
+	@tools/demo_download
 
 test: setup
 	@tools/build dev
 	@ctest --preset dev --parallel $$(nproc)
+
+stress: setup
+	@tools/build dev
+	@ctest --preset dev -C stress -L stress
 
 sanitize: setup
 	@tools/build asan-ubsan

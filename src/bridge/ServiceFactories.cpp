@@ -5,6 +5,8 @@
 #include "services/filesystem/NativeCompressedFileService.h"
 #include "services/filesystem/NativeFileSystemService.h"
 #include "services/json/NativeJsonUtilityService.h"
+#include "services/network/NativeNetworkService.h"
+#include "services/network/NativeRemoteFileManagerService.h"
 #include "services/system/NativeCryptoService.h"
 #include "services/system/NativeEncodingService.h"
 #include "services/system/NativeLoggingService.h"
@@ -23,6 +25,8 @@ ServiceFactories NativeServiceFactories() {
   factories.jsonUtility = CreateNativeJsonUtilityService;
   factories.localStorage = CreateNativeLocalStorageService;
   factories.logging = CreateNativeLoggingService;
+  factories.network = CreateNativeNetworkService;
+  factories.remoteFileManager = CreateNativeRemoteFileManagerService;
   factories.url = CreateNativeUrlService;
   factories.compressedFile = CreateNativeCompressedFileService;
   return factories;

@@ -21,8 +21,8 @@ Installed& TheInstalled() {
 bool IsComplete(const Host& host) {
   return host.base64 && host.bundle && host.device && host.digest && host.fileManager &&
          host.jsonSerialization && host.locale && host.processInfo && host.reachability &&
-         host.screen && host.systemLog && host.telephony && host.urlParser && host.userDefaults &&
-         host.uuidGenerator;
+         host.screen && host.systemLog && host.telephony && host.urlParser && host.urlSession &&
+         host.userDefaults && host.uuidGenerator;
 }
 
 }  // namespace

@@ -21,6 +21,7 @@ SystemLog::~SystemLog() = default;
 Telephony::~Telephony() = default;
 TelephonyNetworkInfo::~TelephonyNetworkInfo() = default;
 UrlParser::~UrlParser() = default;
+UrlSession::~UrlSession() = default;
 UserDefaults::~UserDefaults() = default;
 UserDefaultsProvider::~UserDefaultsProvider() = default;
 UuidGenerator::~UuidGenerator() = default;

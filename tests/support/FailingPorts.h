@@ -91,6 +91,12 @@ class FailingUrlParser final : public Platform::UrlParser {
   std::optional<Platform::UrlComponents> Parse(const std::string&) const override { FailDevice(); }
 };
 
+class FailingUrlSession final : public Platform::UrlSession {
+ public:
+  TaskId Start(Platform::UrlRequest, Completion) override { FailDevice(); }
+  void Cancel(TaskId) override { FailDevice(); }
+};
+
 class FailingUuidGenerator final : public Platform::UuidGenerator {
  public:
   Platform::UuidBytes Random() override { FailDevice(); }
@@ -109,6 +115,7 @@ inline Platform::Host WithFailingPorts(Platform::Host host) {
   host.systemLog = std::make_shared<FailingSystemLog>();
   host.telephony = std::make_shared<FailingTelephony>();
   host.urlParser = std::make_shared<FailingUrlParser>();
+  host.urlSession = std::make_shared<FailingUrlSession>();
   host.uuidGenerator = std::make_shared<FailingUuidGenerator>();
   return host;
 }

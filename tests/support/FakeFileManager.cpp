@@ -159,6 +159,12 @@ bool FakeFileManager::CreateFile(const std::string& path) {
   return real_->CreateFile(path);
 }
 
+bool FakeFileManager::WriteFile(const std::string& path, std::string_view bytes,
+                                Platform::Error* error) {
+  if (faults_->Strikes(FileFault::WriteFile, error)) return false;
+  return real_->WriteFile(path, bytes, error);
+}
+
 std::unique_ptr<Platform::FileHandle> FakeFileManager::OpenForReading(const std::string& path) {
   if (faults_->Strikes(FileFault::OpenForReading, nullptr)) return nullptr;
   auto handle = real_->OpenForReading(path);

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "QEXCore_iOS/Platform/FileManager.h"
@@ -20,6 +21,7 @@ enum class FileFault {
   ContentsOfDirectory,
   ReadText,
   CreateFile,
+  WriteFile,
   OpenForReading,
   OpenForWriting,
   Seek,
@@ -65,6 +67,7 @@ class FakeFileManager final : public Platform::FileManager {
   std::optional<std::string> ReadText(const std::string& path,
                                       Platform::Error* error) const override;
   bool CreateFile(const std::string& path) override;
+  bool WriteFile(const std::string& path, std::string_view bytes, Platform::Error* error) override;
   std::unique_ptr<Platform::FileHandle> OpenForReading(const std::string& path) override;
   std::unique_ptr<Platform::FileHandle> OpenForWriting(const std::string& path) override;
 

@@ -27,6 +27,7 @@ Platform::Host FakeHost::Copy() const {
       .systemLog = systemLog,
       .telephony = telephony,
       .urlParser = std::make_shared<Platform::UriparserUrlParser>(),
+      .urlSession = urlSession,
       .userDefaults = userDefaults,
       .uuidGenerator = std::make_shared<Platform::OpenSslUuidGenerator>(),
   };

@@ -12,6 +12,7 @@
 #include "support/FakeScreen.h"
 #include "support/FakeSystemLog.h"
 #include "support/FakeTelephony.h"
+#include "support/FakeUrlSession.h"
 #include "support/FakeUserDefaults.h"
 
 namespace TestSupport {
@@ -35,6 +36,7 @@ class FakeHost {
   const std::shared_ptr<FakeScreen> screen = std::make_shared<FakeScreen>();
   const std::shared_ptr<FakeSystemLog> systemLog = std::make_shared<FakeSystemLog>();
   const std::shared_ptr<FakeTelephony> telephony = std::make_shared<FakeTelephony>();
+  const std::shared_ptr<FakeUrlSession> urlSession = std::make_shared<FakeUrlSession>();
   const std::shared_ptr<FakeUserDefaultsProvider> userDefaults =
       std::make_shared<FakeUserDefaultsProvider>();
 

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "QEXCore_iOS/Platform/Error.h"
@@ -61,6 +62,10 @@ class QEXCORE_API FileManager {
 
   // Makes an empty file, or empties the one that is there.
   virtual bool CreateFile(const std::string& path) = 0;
+
+  // Writes a file of exactly these bytes, in the place of what is there. Whoever reads the path
+  // meanwhile, also after a kill or a power cut, finds the former file or the new one, whole.
+  virtual bool WriteFile(const std::string& path, std::string_view bytes, Error* error) = 0;
 
   // Null when the file cannot be opened.
   virtual std::unique_ptr<FileHandle> OpenForReading(const std::string& path) = 0;

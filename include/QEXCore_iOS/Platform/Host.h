@@ -8,6 +8,7 @@
 #include "QEXCore_iOS/Platform/Digest.h"
 #include "QEXCore_iOS/Platform/Export.h"
 #include "QEXCore_iOS/Platform/FileManager.h"
+#include "QEXCore_iOS/Platform/HostOptions.h"
 #include "QEXCore_iOS/Platform/JsonSerialization.h"
 #include "QEXCore_iOS/Platform/Locale.h"
 #include "QEXCore_iOS/Platform/ProcessInfo.h"
@@ -16,6 +17,7 @@
 #include "QEXCore_iOS/Platform/SystemLog.h"
 #include "QEXCore_iOS/Platform/Telephony.h"
 #include "QEXCore_iOS/Platform/UrlParser.h"
+#include "QEXCore_iOS/Platform/UrlSession.h"
 #include "QEXCore_iOS/Platform/UserDefaults.h"
 #include "QEXCore_iOS/Platform/Uuid.h"
 
@@ -39,11 +41,13 @@ struct QEXCORE_API Host {
   std::shared_ptr<SystemLog> systemLog;
   std::shared_ptr<Telephony> telephony;
   std::shared_ptr<UrlParser> urlParser;
+  std::shared_ptr<UrlSession> urlSession;
   std::shared_ptr<UserDefaultsProvider> userDefaults;
   std::shared_ptr<UuidGenerator> uuidGenerator;
 
   // The ports of the operating system that the library was built for, without a screen.
   static Host CreateDefault();
+  static Host CreateDefault(const HostOptions& options);
 
   // Makes `host` the device for every later call, in the whole process. Throws
   // std::invalid_argument when a member is null. Call it before the first call into the SDK:

@@ -16,6 +16,7 @@
 #include "QEXCore_iOS/Platform/Utf8.h"
 #include "platform/linux/FileDescriptor.h"
 #include "platform/linux/FileErrors.h"
+#include "platform/linux/FileReplacement.h"
 #include "platform/linux/LinuxFileHandle.h"
 #include "platform/linux/UserDirectories.h"
 
@@ -205,6 +206,14 @@ std::optional<std::string> LinuxFileManager::ReadText(const std::string& path, E
 
 bool LinuxFileManager::CreateFile(const std::string& path) {
   return Open(path, O_WRONLY | O_CREAT | O_TRUNC).IsOpen();
+}
+
+bool LinuxFileManager::WriteFile(const std::string& path, std::string_view bytes, Error* error) {
+  int failure = FaultOfPath(path);
+  if (failure == 0) failure = ReplaceFile(path, bytes);
+  if (failure == 0) return true;
+  WriteFileError(error, "write the file", path, failure);
+  return false;
 }
 
 std::unique_ptr<FileHandle> LinuxFileManager::OpenForReading(const std::string& path) {

@@ -25,6 +25,7 @@ class LinuxFileManager final : public FileManager {
   std::optional<FileAttributes> AttributesOfItem(const std::string& path) const override;
   std::optional<std::string> ReadText(const std::string& path, Error* error) const override;
   bool CreateFile(const std::string& path) override;
+  bool WriteFile(const std::string& path, std::string_view bytes, Error* error) override;
   std::unique_ptr<FileHandle> OpenForReading(const std::string& path) override;
   std::unique_ptr<FileHandle> OpenForWriting(const std::string& path) override;
 

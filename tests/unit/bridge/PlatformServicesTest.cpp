@@ -185,6 +185,8 @@ TEST(NativePlatformServices, AreThereForTheCore) {
   EXPECT_NE(services->GetJsonUtilityService(), nullptr);
   EXPECT_NE(services->GetLocalStorageService(), nullptr);
   EXPECT_NE(services->GetLoggingService(), nullptr);
+  EXPECT_NE(services->GetNetworkService(), nullptr);
+  EXPECT_NE(services->GetRemoteFileManagerService(), nullptr);
   EXPECT_NE(services->GetSystemInfoService(), nullptr);
   EXPECT_NE(services->GetURLService(), nullptr);
   EXPECT_TRUE(services->Dispose(milliseconds(10)));
