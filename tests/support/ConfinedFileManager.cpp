@@ -89,6 +89,13 @@ bool ConfinedFileManager::CreateFile(const std::string& path) {
   return Permits(path, nullptr) && real_->CreateFile(path);
 }
 
+bool ConfinedFileManager::WriteFile(const std::string& path, std::string_view bytes,
+                                    Platform::Error* error) {
+  if (!Permits(path, error) || bytes.size() > bytesToWrite_) return false;
+  bytesToWrite_ -= bytes.size();
+  return real_->WriteFile(path, bytes, error);
+}
+
 std::unique_ptr<Platform::FileHandle> ConfinedFileManager::OpenForReading(const std::string& path) {
   return real_->OpenForReading(path);
 }

@@ -4,6 +4,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "QEXCore_iOS/Platform/FileManager.h"
@@ -38,6 +39,7 @@ class ConfinedFileManager final : public Platform::FileManager {
   std::optional<std::string> ReadText(const std::string& path,
                                       Platform::Error* error) const override;
   bool CreateFile(const std::string& path) override;
+  bool WriteFile(const std::string& path, std::string_view bytes, Platform::Error* error) override;
   std::unique_ptr<Platform::FileHandle> OpenForReading(const std::string& path) override;
   std::unique_ptr<Platform::FileHandle> OpenForWriting(const std::string& path) override;
   std::string CachesDirectory() const override;
