@@ -24,11 +24,9 @@ TEST(ZipFuzzing, HoldsForEveryBeginningOfASeed) {
 TEST(ZipFuzzing, HoldsWhenAnyOneByteIsAnother) {
   for (const auto& [name, bytes] : ZipFuzzing::Seeds()) {
     for (std::size_t at = 0; at < bytes.size(); ++at) {
-      for (const char other : {'/', '\xff'}) {
-        std::string changed = bytes;
-        changed[at] = other;
-        EXPECT_EQ(ZipFuzzing::CheckArchive(changed), "") << name << ", " << at << ", " << +other;
-      }
+      std::string changed = bytes;
+      changed[at] = at % 2 == 0 ? '/' : '\xff';
+      EXPECT_EQ(ZipFuzzing::CheckArchive(changed), "") << name << ", " << at;
     }
   }
 }
