@@ -22,6 +22,7 @@
 #include "support/LogCapture.h"
 #include "support/RecordingModuleServices.h"
 #include "support/ScriptedExtension.h"
+#include "support/WaitUntil.h"
 
 namespace {
 
@@ -274,7 +275,7 @@ TEST_F(QEXExtensionApiTest, MayBeUsedWhileAnotherThreadUnregisters) {
       EXPECT_FALSE(operation.call(*api, &error));
     });
   }
-  while (services->Calls().size() < 100) std::this_thread::yield();
+  EXPECT_TRUE(TestSupport::WaitUntil([this] { return services->Calls().size() >= 100; }));
   api->unregisterExtension();
   isGone = true;
   for (std::thread& thread : threads) thread.join();
