@@ -1,6 +1,7 @@
 // The local development server: HTTPS on this machine alone, with a certificate authority of its
 // own, so that an app can be tried without a network. See FolderServer.h for what it answers.
 
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -68,7 +69,10 @@ int Run(const Options& options, const sigset_t& signals) {
   DevServer::FolderServer files(options.root, options.collected);
   files.AttachTo(server);
   const int port = Listen(server, options.port);
-  std::thread thread([&server] { server.listen_after_bind(); });
+  std::atomic<bool> hasFailed{false};
+  std::thread thread([&] { hasFailed = !server.listen_after_bind(); });
+  // A server that does not listen yet cannot be stopped.
+  while (!server.is_running() && !hasFailed) std::this_thread::yield();
   std::cout << "url=https://localhost:" << port << "\nauthority=" << folder.certificateFile.string()
             << std::endl;
   WaitForSignal(signals);
