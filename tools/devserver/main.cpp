@@ -15,6 +15,7 @@
 #include <openssl/pem.h>
 #include <openssl/ssl.h>
 #include <pthread.h>
+#include <sys/socket.h>
 
 #include "AuthorityFolder.h"
 #include "FolderServer.h"
@@ -44,11 +45,20 @@ bool UseIdentity(SSL_CTX& context, const DevServer::Identity& identity) {
 
 int Listen(httplib::Server& server, int port) {
   const std::string host = "127.0.0.1";
+  int socket = -1;
+  server.set_socket_options([&socket](int made) {
+    const int yes = 1;
+    ::setsockopt(made, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    socket = made;
+  });
+  server.set_tcp_nodelay(true);
   if (port == 0)
     port = server.bind_to_any_port(host);
   else if (!server.bind_to_port(host, port))
     port = -1;
   if (port <= 0) throw std::runtime_error("the port cannot be had");
+  // The library lets no more than five clients wait, and each further one for a second.
+  ::listen(socket, SOMAXCONN);
   return port;
 }
 
