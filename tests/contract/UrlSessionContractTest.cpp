@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 
+#include "platform/linux/JoiningThread.h"
 #include "platform/linux/UrlRequestRules.h"
 #include "support/FakeUrlSession.h"
 #include "support/Guarded.h"
@@ -277,6 +278,7 @@ TYPED_TEST(UrlSessionContractTest, MayGoInsideACompletion) {
                   gone.set_value();
                 });
   EXPECT_EQ(gone.get_future().wait_for(TestSupport::kDefaultDeadline), std::future_status::ready);
+  EXPECT_TRUE(WaitUntil([] { return Platform::JoiningThread::JoinThoseDone(); }));
 }
 
 TYPED_TEST(UrlSessionContractTest, SurvivesACompletionThatThrows) {

@@ -1,6 +1,7 @@
 // The local development server: HTTPS on this machine alone, with a certificate authority of its
 // own, so that an app can be tried without a network. See FolderServer.h for what it answers.
 
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -14,6 +15,7 @@
 #include <openssl/pem.h>
 #include <openssl/ssl.h>
 #include <pthread.h>
+#include <sys/socket.h>
 
 #include "AuthorityFolder.h"
 #include "FolderServer.h"
@@ -43,11 +45,20 @@ bool UseIdentity(SSL_CTX& context, const DevServer::Identity& identity) {
 
 int Listen(httplib::Server& server, int port) {
   const std::string host = "127.0.0.1";
+  int socket = -1;
+  server.set_socket_options([&socket](int made) {
+    const int yes = 1;
+    ::setsockopt(made, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    socket = made;
+  });
+  server.set_tcp_nodelay(true);
   if (port == 0)
     port = server.bind_to_any_port(host);
   else if (!server.bind_to_port(host, port))
     port = -1;
   if (port <= 0) throw std::runtime_error("the port cannot be had");
+  // The library lets no more than five clients wait, and each further one for a second.
+  ::listen(socket, SOMAXCONN);
   return port;
 }
 
@@ -68,7 +79,10 @@ int Run(const Options& options, const sigset_t& signals) {
   DevServer::FolderServer files(options.root, options.collected);
   files.AttachTo(server);
   const int port = Listen(server, options.port);
-  std::thread thread([&server] { server.listen_after_bind(); });
+  std::atomic<bool> hasFailed{false};
+  std::thread thread([&] { hasFailed = !server.listen_after_bind(); });
+  // A server that does not listen yet cannot be stopped.
+  while (!server.is_running() && !hasFailed) std::this_thread::yield();
   std::cout << "url=https://localhost:" << port << "\nauthority=" << folder.certificateFile.string()
             << std::endl;
   WaitForSignal(signals);

@@ -49,8 +49,9 @@ JoiningThread& JoiningThread::operator=(JoiningThread&& other) noexcept {
   return *this;
 }
 
-void JoiningThread::JoinThoseDone() {
+bool JoiningThread::JoinThoseDone() {
   std::vector<Leftover> done;
+  bool isNoneLeft = false;
   {
     Keeper& keeper = TheKeeper();
     const std::lock_guard lock(keeper.mutex);
@@ -59,8 +60,10 @@ void JoiningThread::JoinThoseDone() {
         all.begin(), all.end(), [](const Leftover& each) { return !each.isDone->load(); });
     std::move(firstDone, all.end(), std::back_inserter(done));
     all.erase(firstDone, all.end());
+    isNoneLeft = all.empty();
   }
   for (Leftover& each : done) each.thread.join();
+  return isNoneLeft;
 }
 
 void JoiningThread::End() {

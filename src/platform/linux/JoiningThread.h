@@ -20,8 +20,9 @@ class JoiningThread {
   JoiningThread(JoiningThread&& other) noexcept = default;
   JoiningThread& operator=(JoiningThread&& other) noexcept;
 
-  // Joins those kept that are done, without waiting for the others. Safe from any thread.
-  static void JoinThoseDone();
+  // Joins those kept that are done, without waiting for the others. True when none is left. Safe
+  // from any thread.
+  static bool JoinThoseDone();
 
  private:
   void End();

@@ -1,15 +1,19 @@
 #include "ChildProgram.h"
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <system_error>
 
 #include <arpa/inet.h>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <spawn.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "support/WaitUntil.h"
 
 ChildProgram::ChildProgram(std::vector<std::string> arguments, const std::string& outputPath) {
   const std::string output = outputPath.empty() ? "/dev/null" : outputPath;
@@ -42,11 +46,14 @@ bool ChildProgram::HasEnded() {
 }
 
 int ChildProgram::Wait() {
-  if (process_ < 0) return result_;
-  int status = 0;
-  while (::waitpid(process_, &status, 0) < 0 && errno == EINTR) {
+  constexpr std::chrono::seconds kPatience{60};
+  if (!TestSupport::WaitUntil([this] { return HasEnded(); }, kPatience)) {
+    ADD_FAILURE() << "process " << process_ << " did not end in time";
+    Signal(SIGKILL);
+    int status = 0;
+    ::waitpid(process_, &status, 0);
+    TakeStatus(status);
   }
-  TakeStatus(status);
   return result_;
 }
 

@@ -20,7 +20,8 @@ class ChildProgram {
   // Whether it has ended by now.
   bool HasEnded();
 
-  // Waits for its end. Its exit status, or minus the number of the signal that ended it.
+  // Waits for its end, a minute at most; then it is killed and the test fails. Its exit status, or
+  // minus the number of the signal that ended it.
   int Wait();
 
  private:
