@@ -9,6 +9,7 @@
 #include "services/system/NativeLoggingService.h"
 #include "services/system/NativeSystemInfoService.h"
 #include "services/system/NativeUrlService.h"
+#include "services/ui/NativeUiService.h"
 
 namespace Velmora {
 
@@ -22,6 +23,7 @@ ServiceFactories NativeServiceFactories() {
   factories.jsonUtility = CreateNativeJsonUtilityService;
   factories.localStorage = CreateNativeLocalStorageService;
   factories.logging = CreateNativeLoggingService;
+  factories.ui = CreateNativeUiService;
   factories.url = CreateNativeUrlService;
   return factories;
 }

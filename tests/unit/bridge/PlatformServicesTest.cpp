@@ -185,6 +185,7 @@ TEST(NativePlatformServices, AreThereForTheCore) {
   EXPECT_NE(services->GetLocalStorageService(), nullptr);
   EXPECT_NE(services->GetLoggingService(), nullptr);
   EXPECT_NE(services->GetSystemInfoService(), nullptr);
+  EXPECT_NE(services->GetUIService(), nullptr);
   EXPECT_NE(services->GetURLService(), nullptr);
   EXPECT_TRUE(services->Dispose(milliseconds(10)));
 }
