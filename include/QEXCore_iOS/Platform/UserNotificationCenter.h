@@ -21,7 +21,8 @@ struct QEXCORE_API DateComponents {
   friend bool operator==(const DateComponents&, const DateComponents&) = default;
 };
 
-// Fires once when the calendar shows that second; never without components.
+// Fires once when the calendar shows that second; never without components, and never for a second
+// that has passed.
 struct QEXCORE_API CalendarTrigger {
   std::optional<DateComponents> components;
 
