@@ -4,8 +4,8 @@
 
 namespace Platform {
 
-// An application without windows, which is always active. URLs are opened by the program that the
-// desktop has for their scheme.
+// An application without windows, which is always active and posts no notices of its life. URLs are
+// opened by the program that the desktop has for their scheme.
 class GioApplication final : public Application {
  public:
   ApplicationState State() const override { return ApplicationState::Active; }

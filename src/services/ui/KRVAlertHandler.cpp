@@ -105,9 +105,9 @@ void KRVAlertHandler::onDismiss() {
   if (request->listener) request->listener->OnDismiss();
 }
 
-void KRVAlertHandler::clickedButtonAtIndex(int buttonIndex) {
-  if (buttonIndex == 1) RespondPositively();
-  if (buttonIndex == 0) RespondNegatively();
+void KRVAlertHandler::alertView(int clickedButtonAtIndex) {
+  if (clickedButtonAtIndex == 1) RespondPositively();
+  if (clickedButtonAtIndex == 0) RespondNegatively();
 }
 
 // Never destroyed: alerts may be asked for until the process ends.
@@ -166,13 +166,13 @@ void KRVAlertHandler::PresentController(const std::shared_ptr<const Request>& re
 
 void KRVAlertHandler::ShowAlertView(const std::shared_ptr<const Request>& request) {
   const auto button = [](const Text& text) { return IsPresent(text) ? text : std::nullopt; };
-  const auto alert = Platform::Host::Current()->ui->CreateAlertView(
+  const auto view = Platform::Host::Current()->ui->CreateAlertView(
       {.title = request->title,
        .message = request->message,
        .cancelButtonTitle = button(request->negativeButtonText),
        .otherButtonTitle = button(request->positiveButtonText),
-       .clickedButtonAtIndex = &clickedButtonAtIndex});
-  alert->Show();
+       .clickedButtonAtIndex = &alertView});
+  view->Show();
   SetShown(request);
   onShow();
 }

@@ -44,7 +44,7 @@ class KRVAlertHandler {
 
   // A button of a legacy alert was tapped: 1 is the positive one, 0 the negative one; others do
   // nothing.
-  static void clickedButtonAtIndex(int buttonIndex);
+  static void alertView(int clickedButtonAtIndex);
 
  private:
   struct Request;

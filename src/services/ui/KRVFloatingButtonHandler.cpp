@@ -53,6 +53,7 @@ KRVFloatingButtonHandler::KRVFloatingButtonHandler(Listener listener)
 KRVFloatingButtonHandler::~KRVFloatingButtonHandler() = default;
 
 void KRVFloatingButtonHandler::display() {
+  isDisplayed_ = true;
   Velmora::OnMainQueue([self = shared_from_this()] {
     Velmora::TryCatch([&] { self->Build(); },
                       [](SdkError& error) {
@@ -62,6 +63,7 @@ void KRVFloatingButtonHandler::display() {
 }
 
 void KRVFloatingButtonHandler::remove() {
+  if (!isDisplayed_.exchange(false)) return;
   Velmora::OnMainQueue([self = shared_from_this()] {
     Velmora::TryCatch([&] { self->TakeAway(); },
                       [](SdkError& error) {

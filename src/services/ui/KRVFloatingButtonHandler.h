@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 
 #include "QEXCore_iOS/Platform/MainQueue.h"
@@ -42,6 +43,7 @@ class KRVFloatingButtonHandler : public std::enable_shared_from_this<KRVFloating
   void Recenter();
 
   const Listener listener_;
+  std::atomic<bool> isDisplayed_{false};  // between display and remove
 
   // These belong to the main queue.
   std::shared_ptr<Platform::GestureRecognizer> singleTap_;

@@ -1,6 +1,7 @@
 #include "services/ui/KRVFullScreenHandler.h"
 
 #include <chrono>
+#include <string_view>
 #include <utility>
 
 #include "QEXCore_iOS/Platform/Host.h"
@@ -27,6 +28,23 @@ Rect Below(Rect frame) {
   return frame;
 }
 
+// The URL of a folder of that path.
+std::string FolderUrl(const std::string& path) {
+  constexpr std::string_view kPlain =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string url = "file://";
+  for (const char character : path) {
+    if (kPlain.find(character) != std::string_view::npos) {
+      url += character;
+    } else {
+      const auto byte = static_cast<unsigned char>(character);
+      url += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+    }
+  }
+  return url + "/";
+}
+
 }  // namespace
 
 KRVFullScreenHandler::KRVFullScreenHandler(std::string payload,
@@ -38,7 +56,10 @@ KRVFullScreenHandler::KRVFullScreenHandler(std::string payload,
       listener_(std::move(listener)),
       messagesMonitor_(std::move(messagesMonitor)) {}
 
-KRVFullScreenHandler::~KRVFullScreenHandler() = default;
+// What is on screen keeps its message, and with it this: a message that goes is not on screen.
+KRVFullScreenHandler::~KRVFullScreenHandler() {
+  if (isShown_) messagesMonitor_->dismissed();
+}
 
 void KRVFullScreenHandler::show() {
   if (messagesMonitor_->isDisplayed()) {
@@ -58,7 +79,9 @@ void KRVFullScreenHandler::show() {
 void KRVFullScreenHandler::dismiss() {
   if (!isShown_.exchange(false)) return;
   messagesMonitor_->dismissed();
-  Velmora::OnMainQueue([self = shared_from_this()] { self->SlideOut(); });
+  // The message stays until it has heard of its end.
+  Velmora::OnMainQueue(
+      [self = shared_from_this(), message = owner_.lock()] { self->SlideOut(message); });
 }
 
 void KRVFullScreenHandler::openUrl(const std::optional<std::string>& url) {
@@ -96,6 +119,7 @@ void KRVFullScreenHandler::Build() {
                    kind == WebViewKind::Modern ? "Unable to show WKWebView (%s)"
                                                : "Unable to show UIWebView (%s)",
                    error.GetMessage().c_str());
+        if (!webView_) fullscreenMessage_ = nullptr;  // nothing is there to be kept
       });
 }
 
@@ -111,7 +135,7 @@ std::shared_ptr<Platform::WebView> KRVFullScreenHandler::MakeWebView(WebViewKind
        .bounces = false,
        .adjustsContentInset = false});
   view->SetDelegate(weak_from_this());
-  view->LoadHtml(payload_, "file://" + host->bundle->BundlePath() + "/");
+  view->LoadHtml(payload_, FolderUrl(host->bundle->BundlePath()));
   return view;
 }
 
@@ -127,11 +151,11 @@ void KRVFullScreenHandler::SlideIn() {
 }
 
 // What slides out is no longer this handler's: the message may be shown anew meanwhile.
-void KRVFullScreenHandler::SlideOut() {
+void KRVFullScreenHandler::SlideOut(const std::shared_ptr<Message>& message) {
   rotationWatch_ = nullptr;
+  fullscreenMessage_ = nullptr;
   const auto view = std::exchange(webView_, nullptr);
-  const auto end = [self = shared_from_this(), view,
-                    message = std::exchange(fullscreenMessage_, nullptr)] {
+  const auto end = [self = shared_from_this(), view, message] {
     if (view) view->RemoveFromSuperview();
     if (self->listener_) self->listener_->OnDismiss(message);
   };

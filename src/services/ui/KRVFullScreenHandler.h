@@ -15,7 +15,8 @@
 //
 // show, dismiss and openUrl may be called on any thread: they return before the screen has changed,
 // and never throw. Everything else belongs to the main queue. The message is kept while it is
-// shown. A message that could not be built still counts as displayed until it is dismissed.
+// shown. A message that could not be built still counts as displayed until it is dismissed
+// or goes.
 class KRVFullScreenHandler : public Platform::WebViewDelegate,
                              public std::enable_shared_from_this<KRVFullScreenHandler> {
  public:
@@ -49,7 +50,7 @@ class KRVFullScreenHandler : public Platform::WebViewDelegate,
   std::shared_ptr<Platform::WebView> MakeWebView(Platform::WebViewKind kind,
                                                  const Platform::Rect& frame);
   void SlideIn();
-  void SlideOut();
+  void SlideOut(const std::shared_ptr<Message>& message);
   bool ListenerOverrides(const std::string& url);
 
   const std::string payload_;

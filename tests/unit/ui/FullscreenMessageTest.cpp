@@ -223,6 +223,23 @@ TEST_F(FullscreenMessage, IsLoggedWhenItCannotBeBuilt) {
   EXPECT_FALSE(service->IsMessageDisplayed());
 }
 
+TEST_F(FullscreenMessage, CountsNoLongerWhenItGoesWithoutHavingBeenBuilt) {
+  host.ui->fails = true;
+  Create()->Show();
+  host.mainQueue->RunAll();
+  log.ExpectLine(LogLevel::Debug, "FullscreenMessage",
+                 "Unable to show WKWebView (The device failed.)");
+  EXPECT_FALSE(service->IsMessageDisplayed());
+}
+
+TEST_F(FullscreenMessage, FindsWhatLiesInABundleOfAnyName) {
+  host.bundle->SetBundlePath("/my app#1/\u00e9");
+  const auto message = Create();
+  message->Show();
+  host.mainQueue->RunAll();
+  EXPECT_EQ(View().baseUrl, "file:///my%20app%231/%C3%A9/");
+}
+
 TEST_F(FullscreenMessage, IsLoggedWhenTheLegacyViewCannotBeBuilt) {
   host.ui->fails = true;
   host.ui->supportsModernWebView = false;

@@ -9,6 +9,7 @@
 #include "platform/headless/HeadlessUi.h"
 #include "services/ui/KRVMessagesMonitor.h"
 #include "services/ui/KRVUrlHandler.h"
+#include "support/FailingPorts.h"
 
 namespace {
 
@@ -75,6 +76,25 @@ TEST_F(NativeUiService, TakesRequestsOfSeveralThreads) {
   log.AllowLines(LogLevel::Debug, "AlertMessage", testing::_);
   host.mainQueue->RunAll();
   EXPECT_THAT(host.ui->alertControllers, testing::SizeIs(1));
+}
+
+TEST_F(NativeUiService, ThrowsNothingOnADeviceThatFails) {
+  Platform::Host::Install(TestSupport::WithFailingPorts(host.Copy()));
+  const auto failing = Velmora::CreateNativeUiService();
+  failing->ShowAlert("Title", "Message", "Yes", "No", nullptr);
+  failing->ShowLocalNotification("id", "Body", "", "", {}, "", {}, "");
+  EXPECT_FALSE(failing->ShowUrl("https://example.com/"));
+  const auto button = failing->CreateFloatingButton(nullptr);
+  button->Display();
+  const auto message = failing->CreateFullscreenMessage("<p>", nullptr);
+  host.mainQueue->RunAll();
+  message->Show();
+  host.mainQueue->RunAll();
+  log.ExpectLine(LogLevel::Error, "KRVAlertHandler", "Unable to show alert");
+  log.ExpectLine(LogLevel::Debug, "FloatingButton", "Unable to display (The device failed.)");
+  log.ExpectLine(LogLevel::Debug, "FullscreenMessage",
+                 "Unable to show WKWebView (The device failed.)");
+  EXPECT_THAT(host.systemLog->TakeLines(), IsEmpty());
 }
 
 // A device whose screen ports are the headless ones.
