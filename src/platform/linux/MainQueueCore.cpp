@@ -80,8 +80,9 @@ void MainQueueCore::Add(Work work) {
 std::shared_ptr<MainQueueCore::Tick> MainQueueCore::AddTick(Clock::duration interval, Work work) {
   auto tick = std::make_shared<Tick>();
   tick->work = std::move(work);
-  tick->interval = interval;
-  tick->due = Clock::now() + interval;
+  // A timer without an interval would leave the thread no rest.
+  tick->interval = std::max<Clock::duration>(interval, std::chrono::milliseconds(1));
+  tick->due = Clock::now() + tick->interval;
   if (!EnsureThread()) {
     systemLog_->Write("The main queue has no thread; a timer does not run.");
     return tick;
