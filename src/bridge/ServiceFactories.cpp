@@ -12,6 +12,7 @@
 #include "services/system/NativeLoggingService.h"
 #include "services/system/NativeSystemInfoService.h"
 #include "services/system/NativeUrlService.h"
+#include "services/ui/NativeUiService.h"
 
 namespace Velmora {
 
@@ -27,6 +28,7 @@ ServiceFactories NativeServiceFactories() {
   factories.logging = CreateNativeLoggingService;
   factories.network = CreateNativeNetworkService;
   factories.remoteFileManager = CreateNativeRemoteFileManagerService;
+  factories.ui = CreateNativeUiService;
   factories.url = CreateNativeUrlService;
   factories.compressedFile = CreateNativeCompressedFileService;
   return factories;

@@ -19,10 +19,11 @@ Installed& TheInstalled() {
 }
 
 bool IsComplete(const Host& host) {
-  return host.base64 && host.bundle && host.device && host.digest && host.fileManager &&
-         host.jsonSerialization && host.locale && host.processInfo && host.reachability &&
-         host.screen && host.systemLog && host.telephony && host.urlParser && host.urlSession &&
-         host.userDefaults && host.uuidGenerator;
+  return host.application && host.base64 && host.bundle && host.device && host.digest &&
+         host.fileManager && host.jsonSerialization && host.localNotifications && host.locale &&
+         host.mainQueue && host.notificationCenter && host.processInfo && host.reachability &&
+         host.screen && host.systemLog && host.telephony && host.ui && host.urlParser &&
+         host.urlSession && host.userDefaults && host.userNotificationCenter && host.uuidGenerator;
 }
 
 }  // namespace

@@ -16,6 +16,14 @@ namespace TestSupport {
 
 [[noreturn]] inline void FailDevice() { throw Platform::DeviceError("The device failed."); }
 
+class FailingApplication final : public Platform::Application {
+ public:
+  Platform::ApplicationState State() const override { FailDevice(); }
+  std::shared_ptr<Platform::Window> KeyWindow() const override { FailDevice(); }
+  std::vector<std::shared_ptr<Platform::Window>> Windows() const override { FailDevice(); }
+  bool OpenUrl(const std::string&) override { FailDevice(); }
+};
+
 class FailingBase64 final : public Platform::Base64 {
  public:
   std::optional<std::string> Decode(std::string_view) const override { FailDevice(); }
@@ -41,6 +49,13 @@ class FailingDevice final : public Platform::Device {
 class FailingDigest final : public Platform::Digest {
  public:
   std::array<std::uint8_t, 32> Sha256(std::string_view) const override { FailDevice(); }
+};
+
+class FailingLocalNotifications final : public Platform::LocalNotifications {
+ public:
+  bool IsSupported() const override { FailDevice(); }
+  bool KnowsCategory() const override { FailDevice(); }
+  void Schedule(const Platform::LocalNotification&) override { FailDevice(); }
 };
 
 class FailingLocale final : public Platform::Locale {
@@ -97,6 +112,16 @@ class FailingUrlSession final : public Platform::UrlSession {
   void Cancel(TaskId) override { FailDevice(); }
 };
 
+class FailingUserNotificationCenter final : public Platform::UserNotificationCenter {
+ public:
+  bool IsSupported() const override { FailDevice(); }
+  std::optional<Platform::DateComponents> CalendarComponents(double) const override {
+    FailDevice();
+  }
+  void Add(const Platform::NotificationRequest&) override { FailDevice(); }
+  void ResumePending() override { FailDevice(); }
+};
+
 class FailingUuidGenerator final : public Platform::UuidGenerator {
  public:
   Platform::UuidBytes Random() override { FailDevice(); }
@@ -104,10 +129,12 @@ class FailingUuidGenerator final : public Platform::UuidGenerator {
 
 // `host` with every port above in the place of its own.
 inline Platform::Host WithFailingPorts(Platform::Host host) {
+  host.application = std::make_shared<FailingApplication>();
   host.base64 = std::make_shared<FailingBase64>();
   host.bundle = std::make_shared<FailingBundle>();
   host.device = std::make_shared<FailingDevice>();
   host.digest = std::make_shared<FailingDigest>();
+  host.localNotifications = std::make_shared<FailingLocalNotifications>();
   host.locale = std::make_shared<FailingLocale>();
   host.processInfo = std::make_shared<FailingProcessInfo>();
   host.reachability = std::make_shared<FailingReachability>();
@@ -116,6 +143,7 @@ inline Platform::Host WithFailingPorts(Platform::Host host) {
   host.telephony = std::make_shared<FailingTelephony>();
   host.urlParser = std::make_shared<FailingUrlParser>();
   host.urlSession = std::make_shared<FailingUrlSession>();
+  host.userNotificationCenter = std::make_shared<FailingUserNotificationCenter>();
   host.uuidGenerator = std::make_shared<FailingUuidGenerator>();
   return host;
 }

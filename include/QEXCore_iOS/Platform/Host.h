@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "QEXCore_iOS/Platform/Application.h"
 #include "QEXCore_iOS/Platform/Base64.h"
 #include "QEXCore_iOS/Platform/Bundle.h"
 #include "QEXCore_iOS/Platform/Device.h"
@@ -10,15 +11,20 @@
 #include "QEXCore_iOS/Platform/FileManager.h"
 #include "QEXCore_iOS/Platform/HostOptions.h"
 #include "QEXCore_iOS/Platform/JsonSerialization.h"
+#include "QEXCore_iOS/Platform/LocalNotifications.h"
 #include "QEXCore_iOS/Platform/Locale.h"
+#include "QEXCore_iOS/Platform/MainQueue.h"
+#include "QEXCore_iOS/Platform/NotificationCenter.h"
 #include "QEXCore_iOS/Platform/ProcessInfo.h"
 #include "QEXCore_iOS/Platform/Reachability.h"
 #include "QEXCore_iOS/Platform/Screen.h"
 #include "QEXCore_iOS/Platform/SystemLog.h"
 #include "QEXCore_iOS/Platform/Telephony.h"
+#include "QEXCore_iOS/Platform/Ui.h"
 #include "QEXCore_iOS/Platform/UrlParser.h"
 #include "QEXCore_iOS/Platform/UrlSession.h"
 #include "QEXCore_iOS/Platform/UserDefaults.h"
+#include "QEXCore_iOS/Platform/UserNotificationCenter.h"
 #include "QEXCore_iOS/Platform/Uuid.h"
 
 namespace Platform {
@@ -28,21 +34,27 @@ namespace Platform {
 // To run on another device, or to change one part of this one, take CreateDefault(), replace
 // members, and Install the result before the first call into the SDK.
 struct QEXCORE_API Host {
+  std::shared_ptr<Application> application;
   std::shared_ptr<Base64> base64;
   std::shared_ptr<Bundle> bundle;
   std::shared_ptr<Device> device;
   std::shared_ptr<Digest> digest;
   std::shared_ptr<FileManager> fileManager;
   std::shared_ptr<JsonSerialization> jsonSerialization;
+  std::shared_ptr<LocalNotifications> localNotifications;
   std::shared_ptr<Locale> locale;
+  std::shared_ptr<MainQueue> mainQueue;
+  std::shared_ptr<NotificationCenter> notificationCenter;
   std::shared_ptr<ProcessInfo> processInfo;
   std::shared_ptr<NetworkReachability> reachability;
   std::shared_ptr<Screen> screen;
   std::shared_ptr<SystemLog> systemLog;
   std::shared_ptr<Telephony> telephony;
+  std::shared_ptr<Ui> ui;
   std::shared_ptr<UrlParser> urlParser;
   std::shared_ptr<UrlSession> urlSession;
   std::shared_ptr<UserDefaultsProvider> userDefaults;
+  std::shared_ptr<UserNotificationCenter> userNotificationCenter;
   std::shared_ptr<UuidGenerator> uuidGenerator;
 
   // The ports of the operating system that the library was built for, without a screen.

@@ -1,6 +1,7 @@
 // An app that ends while the SDK is at work. Its argument says how: "return" from main, "exit" on a
-// callback's thread, "fork", which ends a copy of the process first, or "read", where an exit
-// handler reads JSON.
+// callback's thread, "fork", which ends a copy of the process first, "read", where an exit handler
+// reads JSON, "queue", where the main queue is at work too, "queue-exit", where its work exits, or
+// "queue-fork".
 //
 // Prints the threads of the SDK that still run when the app's static objects are destroyed.
 
@@ -34,7 +35,7 @@ class Witness {
     for (const auto& task : std::filesystem::directory_iterator("/proc/self/task", error)) {
       std::string name;
       std::getline(std::ifstream(task.path() / "comm"), name);
-      if (name.starts_with("Velmora")) std::puts(name.c_str());
+      if (name.starts_with("Velmora") || name.starts_with("QEXMain")) std::puts(name.c_str());
     }
   }
 };
@@ -46,11 +47,29 @@ void KeepBusy() {
   for (int i = 0; i < 2'000; ++i) QEXCore::trackAction("work", {{"sku", "A-17"}, {"size", "M"}});
 }
 
-[[noreturn]] void ExitOnACallbackThread() {
-  QEXCore::start([] { std::exit(kEnded); });
+[[noreturn]] void WaitForTheEnd() {
   std::promise<void> neverKept;
   neverKept.get_future().wait_for(std::chrono::seconds(60));
   std::_Exit(EXIT_FAILURE);
+}
+
+[[noreturn]] void ExitOnACallbackThread() {
+  QEXCore::start([] { std::exit(kEnded); });
+  WaitForTheEnd();
+}
+
+// Gives the main queue work that never ends, and waits until it is at it.
+void KeepTheMainQueueBusy() {
+  const auto queue = Platform::Host::Current()->mainQueue;
+  std::promise<void> begun;
+  static const auto timer = queue->Repeat(std::chrono::milliseconds(1), [] {});
+  queue->Async([&] { begun.set_value(); });
+  begun.get_future().get();
+}
+
+[[noreturn]] void ExitOnTheMainQueue() {
+  Platform::Host::Current()->mainQueue->Async([] { std::exit(kEnded); });
+  WaitForTheEnd();
 }
 
 bool EndACopy() {
@@ -78,6 +97,9 @@ int main(int count, char** arguments) {
   const std::string_view way = count > 1 ? arguments[1] : "";
   if (way == "read") ReadJsonInAnExitHandler();
   KeepBusy();
+  if (way.starts_with("queue")) KeepTheMainQueueBusy();
+  if (way == "queue-exit") ExitOnTheMainQueue();
+  if (way == "queue-fork" && !EndACopy()) return EXIT_FAILURE;
   if (way == "exit") ExitOnACallbackThread();
   if (way == "fork" && !EndACopy()) return EXIT_FAILURE;
   return kEnded;

@@ -54,6 +54,19 @@ TEST(ProcessEnd, DoesNotKeepAForkedCopyWaitingForThreadsItHasNot) {
   ExpectCleanEnd(RunApp("fork"));
 }
 
+TEST(ProcessEnd, EndsTheMainQueueFirst) {
+  for (int run = 0; run < 5; ++run) ExpectCleanEnd(RunApp("queue"));
+}
+
+TEST(ProcessEnd, MayBeAskedForOnTheMainQueue) {
+  const Ending ending = RunApp("queue-exit");
+  EXPECT_EQ(WEXITSTATUS(ending.status), kEnded) << ending.status << ending.output;
+}
+
+TEST(ProcessEnd, DoesNotKeepAForkedCopyWaitingForTheMainQueue) {
+  ExpectCleanEnd(RunApp("queue-fork"));
+}
+
 TEST(ProcessEnd, LeavesJsonToWhatWasMadeAfterTheDevice) { ExpectCleanEnd(RunApp("read")); }
 
 }  // namespace

@@ -188,6 +188,7 @@ TEST(NativePlatformServices, AreThereForTheCore) {
   EXPECT_NE(services->GetNetworkService(), nullptr);
   EXPECT_NE(services->GetRemoteFileManagerService(), nullptr);
   EXPECT_NE(services->GetSystemInfoService(), nullptr);
+  EXPECT_NE(services->GetUIService(), nullptr);
   EXPECT_NE(services->GetURLService(), nullptr);
   EXPECT_TRUE(services->Dispose(milliseconds(10)));
 }
