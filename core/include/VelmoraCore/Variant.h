@@ -88,7 +88,8 @@ class VELMORA_CORE_API Variant {
  public:
   // For the factories above only.
   template <class T>
-  Variant(Key, T&& value) : storage_(std::in_place_type<T>, std::move(value)) {}
+  Variant(Key, T&& value)
+      : storage_(std::in_place_type<std::remove_cvref_t<T>>, std::forward<T>(value)) {}
 
  private:
   Storage storage_;

@@ -198,11 +198,11 @@ std::shared_ptr<Variant> Variant::FromLong(long long value) {
 }
 
 std::shared_ptr<Variant> Variant::FromDouble(double value) {
-  return std::make_shared<Variant>(Key(), double{value});
+  return std::make_shared<Variant>(Key(), value);
 }
 
 std::shared_ptr<Variant> Variant::FromBoolean(bool value) {
-  return std::make_shared<Variant>(Key(), bool{value});
+  return std::make_shared<Variant>(Key(), value);
 }
 
 std::shared_ptr<Variant> Variant::FromNull() {
