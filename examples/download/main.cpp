@@ -38,8 +38,7 @@ class TalkativeNetwork final : public Velmora::Object,
       const Headers& headers, seconds connectTimeout, seconds readTimeout) override {
     std::cout << "  GET " << url << '\n';
     for (const auto& [name, value] : headers) std::cout << "    " << name << ": " << value << '\n';
-    const auto connection =
-        real_->ConnectUrl(url, command, body, headers, connectTimeout, readTimeout);
+    auto connection = real_->ConnectUrl(url, command, body, headers, connectTimeout, readTimeout);
     if (connection) {
       std::cout << "  " << connection->GetResponseCode() << ' ' << connection->GetResponseMessage()
                 << ", " << connection->GetResponseRawData()->GetSize() << " bytes\n";

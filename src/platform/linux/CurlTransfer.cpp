@@ -26,7 +26,7 @@ seconds Effective(seconds asked, seconds byDefault) {
 
 // What the platform asks for, as far as libcurl can undo it.
 const char* AcceptedEncodings() {
-  const unsigned features = static_cast<unsigned>(::curl_version_info(CURLVERSION_NOW)->features);
+  const auto features = static_cast<unsigned>(::curl_version_info(CURLVERSION_NOW)->features);
   return (features & CURL_VERSION_BROTLI) != 0 ? "gzip, deflate, br" : "gzip, deflate";
 }
 
@@ -168,7 +168,7 @@ void CurlTransfer::Fail(const Error& error) noexcept {
 
 Error CurlTransfer::ErrorOf(CURLcode result, const std::string& trustFault) const {
   if (refusal_) return *refusal_;
-  const Error error = UrlErrorOfCurl(result, errorText_);
+  Error error = UrlErrorOfCurl(result, errorText_);
   const bool isTrust = error.Code() == static_cast<std::int64_t>(UrlFailure::NotTrusted);
   if (!isTrust || trustFault.empty()) return error;
   return {error.Domain(), error.Code(), error.LocalizedDescription() + " " + trustFault};

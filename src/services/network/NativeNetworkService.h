@@ -11,7 +11,9 @@
 namespace Velmora {
 
 // Requests by the URL session of the device that is installed when the service is made. Requests
-// under way go on without the service. Why a request came to nothing is told by a debug line alone.
+// under way go on without the service. All callbacks come on the session's one thread: one that
+// waits for another request waits in vain. Why a request came to nothing is told by a debug line
+// alone.
 class NativeNetworkService : public Object, public virtual NetworkServiceInterface {
  public:
   // Throws an SdkError "platform_services.missing_service" without a system information service.

@@ -34,6 +34,13 @@ RemoteFileCache::FileResult FileAt(const std::string& path) {
   return RemoteFileCache::FileResult(std::make_shared<NativeRemoteFile>(path));
 }
 
+std::string PathIn(const std::string& folder, const std::string& name) {
+  std::string path = folder;
+  path += '/';
+  path += name;
+  return path;
+}
+
 bool IsStored(std::int32_t status) {
   return status == HttpConnectionConstants::HTTP_OK ||
          status == HttpConnectionConstants::HTTP_REQUESTED_RANGE_NOT_SATISFIABLE;
@@ -89,7 +96,7 @@ std::optional<std::string> RemoteFileCache::Find(const std::string& url,
   const std::vector<std::string> names = EntriesOf(folder, DigestOf(url));
   if (names.empty()) return std::nullopt;
   if (names.size() > 1) Log::Warning(kRemoteFileLogTag, "Multiple copies of URL in cache!");
-  return folder + "/" + names.front();
+  return PathIn(folder, names.front());
 }
 
 RemoteFileCache::FileResult RemoteFileCache::FileFromCache(const std::string& url,
@@ -156,7 +163,7 @@ bool RemoteFileCache::EnsureDirectory(const std::string& path) const {
 
 void RemoteFileCache::DeleteEntries(const std::string& folder, const std::string& digest) const {
   for (const std::string& name : EntriesOf(folder, digest)) {
-    const std::string path = folder + "/" + name;
+    const std::string path = PathIn(folder, name);
     Platform::Error error;
     if (fileManager_->RemoveItem(path, &error)) continue;
     Log::Warning(kRemoteFileLogTag, "Unable to delete %s (%s)", path.c_str(),
@@ -176,7 +183,7 @@ void RemoteFileCache::DeleteAllBut(const std::string& subFolder,
   for (const std::string& url : urls) kept.insert(DigestOf(url));
   for (const auto& entry : entries) {
     if (kept.contains(entry.name.substr(0, entry.name.rfind('.')))) continue;
-    const std::string path = folder + "/" + entry.name;
+    const std::string path = PathIn(folder, entry.name);
     Platform::Error error;
     if (fileManager_->RemoveItem(path, &error)) continue;
     Log::Debug(kRemoteFileLogTag, "Unable to delete %s (%s)", path.c_str(),

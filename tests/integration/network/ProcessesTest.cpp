@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -9,6 +10,7 @@
 #include <gmock/gmock.h>
 
 #include "ChildProgram.h"
+#include "QEXCore_iOS/Platform/Host.h"
 #include "support/ScopedEnvironment.h"
 #include "support/TemporaryDirectory.h"
 #include "support/UrlSessionCalls.h"
@@ -16,6 +18,7 @@
 
 namespace {
 
+using TestSupport::LoopbackServer;
 using TestSupport::ScopedEnvironment;
 using TestSupport::TrustedServer;
 using TestSupport::WireConnection;
@@ -42,6 +45,23 @@ TEST_F(ProcessesTest, EndInGoodOrderWithRequestsUnderWay) {
   for (int round = 0; round < 20; ++round) {
     EXPECT_EQ(Start({"hang", server.Url("/"), std::to_string(5 * round)})->Wait(), 0);
   }
+}
+
+TEST_F(ProcessesTest, SendCleartextWhereTheirInformationDictionaryAllowsIt) {
+  const LoopbackServer server({}, [](const WireRequest&, WireConnection& connection) {
+    connection.Respond(200, std::string(100'000, 'c'));
+  });
+  EXPECT_THAT(TestSupport::Fetch(*Platform::Host::CreateDefault().urlSession, server.Url("/https")),
+              TestSupport::FailsWith(Platform::UrlFailure::CleartextRefused));
+
+  // The dictionary lies beside the program.
+  std::filesystem::copy_file(WORKER_PROGRAM, home_.PathOf("worker"));
+  home_.WriteFile("Info.plist",
+                  "<plist version=\"1.0\"><dict><key>NSAppTransportSecurity</key><dict>"
+                  "<key>NSAllowsArbitraryLoads</key><true/></dict></dict></plist>");
+  ChildProgram allowed({home_.PathOf("worker"), "download", server.Url("/https"), "1"}, "");
+  EXPECT_EQ(allowed.Wait(), 0);
+  EXPECT_EQ(server.Accepted(), 1);
 }
 
 TEST_F(ProcessesTest, ShareACacheWithoutEverSeeingHalfAFile) {

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include "QEXCore_iOS/Platform/Host.h"
 #include "support/ScopedEnvironment.h"
 #include "support/UrlSessionCalls.h"
 #include "support/tls/TrustedServer.h"
@@ -96,6 +97,19 @@ TEST(CurlTrust, SaysWhenTheExtraAuthoritiesCannotBeRead) {
   EXPECT_THAT(outcome, FailsWith(UrlFailure::NotTrusted));
   EXPECT_THAT(outcome.error.LocalizedDescription(),
               testing::HasSubstr("\"/nowhere/authority.pem\" cannot be read"));
+}
+
+TEST(CurlTrust, IsWhatTheDefaultHostWasTold) {
+  const TrustedServer server(SayHello);
+  EXPECT_THAT(Fetch(*Platform::Host::CreateDefault().urlSession, server.Url()),
+              FailsWith(UrlFailure::NotTrusted));
+  Platform::HostOptions options;
+  options.extraTrustFile = TrustedServer::AuthorityFile();
+  EXPECT_THAT(Fetch(*Platform::Host::CreateDefault(options).urlSession, server.Url()),
+              Brings(200, "hello"));
+  options.largestResponseBody = 4;
+  EXPECT_THAT(Fetch(*Platform::Host::CreateDefault(options).urlSession, server.Url()),
+              FailsWith(UrlFailure::TooLarge));
 }
 
 TEST(CurlTrust, RefusesAServerThatDoesNotSpeakTls) {
