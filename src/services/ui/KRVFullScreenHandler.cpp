@@ -1,6 +1,7 @@
 #include "services/ui/KRVFullScreenHandler.h"
 
 #include <chrono>
+#include <set>
 #include <string_view>
 #include <utility>
 
@@ -21,6 +22,13 @@ namespace {
 
 constexpr const char* kLogTag = "FullscreenMessage";
 constexpr std::chrono::milliseconds kSlideTime{300};
+
+// The messages that are on screen, which nobody else needs to keep. Belongs to the main queue;
+// never destroyed, since a message may be left open when the process ends.
+std::set<std::shared_ptr<KRVFullScreenHandler::Message>>& ShownMessages() {
+  static auto& shown = *new std::set<std::shared_ptr<KRVFullScreenHandler::Message>>;
+  return shown;
+}
 
 // `frame`, moved out of sight.
 Rect Below(Rect frame) {
@@ -52,7 +60,7 @@ KRVFullScreenHandler::KRVFullScreenHandler(std::string payload,
                                            Listener listener,
                                            std::shared_ptr<KRVMessagesMonitor> messagesMonitor)
     : payload_(std::move(payload)),
-      owner_(std::move(fullscreenMessage)),
+      fullscreenMessage_(std::move(fullscreenMessage)),
       listener_(std::move(listener)),
       messagesMonitor_(std::move(messagesMonitor)) {}
 
@@ -70,9 +78,9 @@ void KRVFullScreenHandler::show() {
   }
   messagesMonitor_->displayed();
   isShown_ = true;
-  Velmora::OnMainQueue([self = shared_from_this(), message = owner_.lock()] {
-    self->fullscreenMessage_ = message;
-    self->Build();
+  Velmora::OnMainQueue([self = shared_from_this(), message = fullscreenMessage_.lock()] {
+    ShownMessages().insert(message);
+    self->Build(message);
   });
 }
 
@@ -80,8 +88,9 @@ void KRVFullScreenHandler::dismiss() {
   if (!isShown_.exchange(false)) return;
   messagesMonitor_->dismissed();
   // The message stays until it has heard of its end.
-  Velmora::OnMainQueue(
-      [self = shared_from_this(), message = owner_.lock()] { self->SlideOut(message); });
+  Velmora::OnMainQueue([self = shared_from_this(), message = fullscreenMessage_.lock()] {
+    self->SlideOut(message);
+  });
 }
 
 void KRVFullScreenHandler::openUrl(const std::optional<std::string>& url) {
@@ -104,7 +113,7 @@ bool KRVFullScreenHandler::ShouldStartLoad(const std::string& url) {
   return !ListenerOverrides(url);
 }
 
-void KRVFullScreenHandler::Build() {
+void KRVFullScreenHandler::Build(const std::shared_ptr<Message>& message) {
   WebViewKind kind = WebViewKind::Modern;
   Velmora::TryCatch(
       [&] {
@@ -112,14 +121,14 @@ void KRVFullScreenHandler::Build() {
         const Rect frame = calcFullScreenFrame();
         webView_ = MakeWebView(kind, Below(frame));
         if (const auto window = Velmora::AppUi::GetKeyWindow()) window->AddSubview(webView_);
-        SlideIn();
+        SlideIn(message);
       },
       [&](SdkError& error) {
         Log::Debug(kLogTag,
                    kind == WebViewKind::Modern ? "Unable to show WKWebView (%s)"
                                                : "Unable to show UIWebView (%s)",
                    error.GetMessage().c_str());
-        if (!webView_) fullscreenMessage_ = nullptr;  // nothing is there to be kept
+        if (!webView_) ShownMessages().erase(message);
       });
 }
 
@@ -139,7 +148,7 @@ std::shared_ptr<Platform::WebView> KRVFullScreenHandler::MakeWebView(WebViewKind
   return view;
 }
 
-void KRVFullScreenHandler::SlideIn() {
+void KRVFullScreenHandler::SlideIn(const std::shared_ptr<Message>& message) {
   const auto ui = Host::Current()->ui;
   const auto fill = [self = weak_from_this()] {
     const auto handler = self.lock();
@@ -147,13 +156,13 @@ void KRVFullScreenHandler::SlideIn() {
   };
   ui->Animate(kSlideTime, fill, nullptr);
   rotationWatch_ = ui->WatchRotation(fill);
-  if (listener_) listener_->OnShow(fullscreenMessage_);
+  if (listener_) listener_->OnShow(message);
 }
 
 // What slides out is no longer this handler's: the message may be shown anew meanwhile.
 void KRVFullScreenHandler::SlideOut(const std::shared_ptr<Message>& message) {
   rotationWatch_ = nullptr;
-  fullscreenMessage_ = nullptr;
+  ShownMessages().erase(message);
   const auto view = std::exchange(webView_, nullptr);
   const auto end = [self = shared_from_this(), view, message] {
     if (view) view->RemoveFromSuperview();
@@ -168,5 +177,5 @@ void KRVFullScreenHandler::SlideOut(const std::shared_ptr<Message>& message) {
 }
 
 bool KRVFullScreenHandler::ListenerOverrides(const std::string& url) {
-  return listener_ && listener_->OverrideUrlLoad(owner_.lock(), url);
+  return listener_ && listener_->OverrideUrlLoad(fullscreenMessage_.lock(), url);
 }

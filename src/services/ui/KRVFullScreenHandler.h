@@ -46,21 +46,20 @@ class KRVFullScreenHandler : public Platform::WebViewDelegate,
   bool ShouldStartLoad(const std::string& url) override;
 
  private:
-  void Build();
+  void Build(const std::shared_ptr<Message>& message);
   std::shared_ptr<Platform::WebView> MakeWebView(Platform::WebViewKind kind,
                                                  const Platform::Rect& frame);
-  void SlideIn();
+  void SlideIn(const std::shared_ptr<Message>& message);
   void SlideOut(const std::shared_ptr<Message>& message);
   bool ListenerOverrides(const std::string& url);
 
   const std::string payload_;
-  const std::weak_ptr<Message> owner_;
+  const std::weak_ptr<Message> fullscreenMessage_;
   const Listener listener_;
   const std::shared_ptr<KRVMessagesMonitor> messagesMonitor_;
   std::atomic<bool> isShown_{false};  // between show and dismiss
 
   // These belong to the main queue.
-  std::shared_ptr<Message> fullscreenMessage_;
   std::shared_ptr<Platform::WebView> webView_;
   std::unique_ptr<Platform::RotationWatch> rotationWatch_;
 };

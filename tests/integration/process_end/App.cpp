@@ -62,7 +62,9 @@ void KeepBusy() {
 void KeepTheMainQueueBusy() {
   const auto queue = Platform::Host::Current()->mainQueue;
   std::promise<void> begun;
-  static const auto timer = queue->Repeat(std::chrono::milliseconds(1), [] {});
+  // Never destroyed, as what the device holds: a forked copy cannot take the queue's locks.
+  [[maybe_unused]] static const auto* timer =
+      queue->Repeat(std::chrono::milliseconds(1), [] {}).release();
   queue->Async([&] { begun.set_value(); });
   begun.get_future().get();
 }

@@ -49,7 +49,7 @@ TEST_F(FullscreenMessage, CountsAsDisplayedBeforeTheMainQueueGetsToIt) {
   EXPECT_THAT(host.ui->webViews, IsEmpty());
   host.mainQueue->RunAll();
   EXPECT_THAT(calls, ElementsAre("show*"));
-  EXPECT_EQ(listener->lastMessage, message);
+  EXPECT_EQ(listener->lastMessage.lock(), message);
 }
 
 TEST_F(FullscreenMessage, SlidesAWebViewOverTheKeyWindow) {
@@ -125,7 +125,7 @@ TEST_F(FullscreenMessage, CancelsANavigationThatTheListenerHasDealtWith) {
   listener->overrides = true;
   EXPECT_EQ(View().Navigate("app://close?id=1"), false);
   EXPECT_THAT(calls, ElementsAre("show*", "load app://close?id=1*"));
-  EXPECT_EQ(listener->lastMessage, message);
+  EXPECT_EQ(listener->lastMessage.lock(), message);
 }
 
 TEST_F(FullscreenMessage, LetsANavigationProceedOtherwise) {
@@ -148,7 +148,7 @@ TEST_F(FullscreenMessage, SlidesOutAndTellsTheListener) {
   EXPECT_THAT(Subviews(), IsEmpty());
   EXPECT_EQ(host.ui->RotationWatchCount(), 0U);
   EXPECT_THAT(calls, ElementsAre("show*", "dismiss"));
-  EXPECT_EQ(listener->lastMessage, message);
+  EXPECT_EQ(listener->lastMessage.lock(), message);
 }
 
 TEST_F(FullscreenMessage, IsDismissedOnce) {
@@ -198,7 +198,6 @@ TEST_F(FullscreenMessage, KeepsItselfOnlyWhileItIsShown) {
   ASSERT_FALSE(watch.expired());
   watch.lock()->Remove();
   host.mainQueue->RunAll();
-  listener->lastMessage = nullptr;
   EXPECT_TRUE(watch.expired());
 }
 

@@ -49,7 +49,7 @@ class FullscreenListener final : public Velmora::Object,
   explicit FullscreenListener(Calls& calls) : calls_(calls) {}
 
   bool overrides = false;
-  Message lastMessage;
+  std::weak_ptr<Velmora::FullScreenMessageUiInterface> lastMessage;
 
   void OnShow(const Message& message) override { Note("show", message); }
   void OnDismiss(const Message& message) override { Note("dismiss", message); }
