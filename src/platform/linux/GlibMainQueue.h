@@ -7,7 +7,8 @@
 #include "QEXCore_iOS/Platform/MainQueue.h"
 #include "QEXCore_iOS/Platform/SystemLog.h"
 
-struct _GMainContext;  // GMainContext; this header is included where GLib is not
+// GMainContext under the name that GLib gave it; this header is included where GLib is not.
+struct _GMainContext;  // NOLINT(bugprone-reserved-identifier)
 
 namespace Platform {
 
