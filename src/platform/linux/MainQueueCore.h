@@ -32,6 +32,8 @@ class MainQueueCore : public std::enable_shared_from_this<MainQueueCore> {
     bool isCancelled = false;
   };
 
+  // `context` must be run by no more than one thread at a time; the first work waits for it up to
+  // `grace`.
   MainQueueCore(std::shared_ptr<SystemLog> systemLog, GMainContext* context,
                 std::chrono::milliseconds grace);
   ~MainQueueCore();
