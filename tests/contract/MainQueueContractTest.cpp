@@ -97,9 +97,9 @@ TYPED_TEST(MainQueueContractTest, DoesWorkInTheOrderInWhichItCame) {
 }
 
 TYPED_TEST(MainQueueContractTest, NeverRunsWorkWithinTheCall) {
-  bool ranWithin = true;
-  this->subject_.Queue().Async([&] {
-    bool returned = false;
+  std::atomic<bool> returned{false};
+  std::atomic<bool> ranWithin{false};
+  this->subject_.Queue().Async([&, this] {
     this->subject_.Queue().Async([&, this] {
       ranWithin = !returned;
       this->Note(1);
