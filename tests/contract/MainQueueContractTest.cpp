@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 
 #include "platform/linux/GlibMainQueue.h"
+#include "platform/linux/MainQueueCore.h"
 #include "support/FakeMainQueue.h"
 #include "support/FakeSystemLog.h"
 #include "support/Guarded.h"
@@ -35,8 +36,8 @@ class OwnThreadSubject {
   const std::shared_ptr<TestSupport::FakeSystemLog> log_ =
       std::make_shared<TestSupport::FakeSystemLog>();
   const Platform::GMainContextPointer context_{g_main_context_new()};
-  std::unique_ptr<Platform::GlibMainQueue> queue_ =
-      std::make_unique<Platform::GlibMainQueue>(log_, context_.get(), 0ms);
+  std::unique_ptr<Platform::GlibMainQueue> queue_ = std::make_unique<Platform::GlibMainQueue>(
+      std::make_shared<Platform::MainQueueCore>(log_, context_.get(), 0ms));
 };
 
 // A program that runs its loop from the start.
@@ -51,8 +52,8 @@ class RunningLoopSubject {
   const std::shared_ptr<TestSupport::FakeSystemLog> log_ =
       std::make_shared<TestSupport::FakeSystemLog>();
   TestSupport::RunningContext context_;
-  std::unique_ptr<Platform::GlibMainQueue> queue_ =
-      std::make_unique<Platform::GlibMainQueue>(log_, context_.Get(), 60s);
+  std::unique_ptr<Platform::GlibMainQueue> queue_ = std::make_unique<Platform::GlibMainQueue>(
+      std::make_shared<Platform::MainQueueCore>(log_, context_.Get(), 60s));
 };
 
 class FakeSubject {
@@ -96,9 +97,9 @@ TYPED_TEST(MainQueueContractTest, DoesWorkInTheOrderInWhichItCame) {
 }
 
 TYPED_TEST(MainQueueContractTest, NeverRunsWorkWithinTheCall) {
-  bool ranWithin = true;
-  this->subject_.Queue().Async([&] {
-    bool returned = false;
+  std::atomic<bool> returned{false};
+  std::atomic<bool> ranWithin{false};
+  this->subject_.Queue().Async([&, this] {
     this->subject_.Queue().Async([&, this] {
       ranWithin = !returned;
       this->Note(1);

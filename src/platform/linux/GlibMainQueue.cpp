@@ -7,6 +7,11 @@
 #include "platform/linux/MainQueueCore.h"
 
 namespace Platform {
+namespace {
+
+constexpr std::chrono::milliseconds kGrace{250};
+
+}  // namespace
 
 class GlibMainQueue::Timer final : public MainQueueTimer {
  public:
@@ -22,11 +27,9 @@ class GlibMainQueue::Timer final : public MainQueueTimer {
 };
 
 GlibMainQueue::GlibMainQueue(std::shared_ptr<SystemLog> systemLog)
-    : GlibMainQueue(std::move(systemLog), g_main_context_default(), kGrace) {}
+    : GlibMainQueue(std::make_shared<MainQueueCore>(std::move(systemLog), nullptr, kGrace)) {}
 
-GlibMainQueue::GlibMainQueue(std::shared_ptr<SystemLog> systemLog, _GMainContext* context,
-                             std::chrono::milliseconds grace)
-    : core_(std::make_shared<MainQueueCore>(std::move(systemLog), context, grace)) {}
+GlibMainQueue::GlibMainQueue(std::shared_ptr<MainQueueCore> core) : core_(std::move(core)) {}
 
 GlibMainQueue::~GlibMainQueue() { core_->Stop(); }
 

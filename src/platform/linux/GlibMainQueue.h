@@ -7,9 +7,6 @@
 #include "QEXCore_iOS/Platform/MainQueue.h"
 #include "QEXCore_iOS/Platform/SystemLog.h"
 
-// GMainContext under the name that GLib gave it; this header is included where GLib is not.
-struct _GMainContext;  // NOLINT(bugprone-reserved-identifier)
-
 namespace Platform {
 
 class MainQueueCore;
@@ -27,14 +24,11 @@ class MainQueueCore;
 // queue goes, or when the process ends; a forked copy of the process has no main queue.
 class GlibMainQueue final : public MainQueue {
  public:
-  static constexpr std::chrono::milliseconds kGrace{250};
-
-  // Follows GLib's default context.
+  // Follows GLib's default context, with a quarter of a second of grace.
   explicit GlibMainQueue(std::shared_ptr<SystemLog> systemLog);
 
-  // Follows `context`, which must be run by no more than one thread at a time.
-  GlibMainQueue(std::shared_ptr<SystemLog> systemLog, _GMainContext* context,
-                std::chrono::milliseconds grace);
+  // Follows the context of `core`, which no other queue may use.
+  explicit GlibMainQueue(std::shared_ptr<MainQueueCore> core);
 
   // Waits for the work that is under way, unless that work is what destroys the queue.
   ~GlibMainQueue() override;

@@ -7,59 +7,16 @@
 #include <utility>
 
 #include <pthread.h>
-#include <unistd.h>
+
+#include "platform/linux/RunningMainQueues.h"
 
 namespace Platform {
 
-// The cores whose threads must be joined when the process ends: the device that owns them may never
-// be destroyed, and their work must not meet what other exit handlers have destroyed.
-class RunningMainQueues {
- public:
-  static RunningMainQueues& OfProcess() {
-    static RunningMainQueues running;
-    return running;
-  }
-
-  ~RunningMainQueues() {
-    // A forked child has none of the threads, and would wait for them for ever.
-    if (::getpid() != process_) return;
-    while (const auto core = Last()) {
-      core->StopRunning();
-      core->Join();
-      Remove(core);
-    }
-  }
-  RunningMainQueues(const RunningMainQueues&) = delete;
-  RunningMainQueues& operator=(const RunningMainQueues&) = delete;
-
-  void Add(std::shared_ptr<MainQueueCore> core) {
-    const std::lock_guard lock(mutex_);
-    cores_.push_back(std::move(core));
-  }
-
-  void Remove(const std::shared_ptr<MainQueueCore>& core) {
-    const std::lock_guard lock(mutex_);
-    std::erase(cores_, core);
-  }
-
- private:
-  using Cores = std::vector<std::shared_ptr<MainQueueCore>>;
-
-  RunningMainQueues() : process_(::getpid()), cores_(*new Cores) {}
-
-  std::shared_ptr<MainQueueCore> Last() {
-    const std::lock_guard lock(mutex_);
-    return cores_.empty() ? nullptr : cores_.back();
-  }
-
-  const pid_t process_;
-  std::mutex mutex_;
-  Cores& cores_;  // outlives this: a forked child must not destroy the threads in it
-};
-
 MainQueueCore::MainQueueCore(std::shared_ptr<SystemLog> systemLog, GMainContext* context,
                              std::chrono::milliseconds grace)
-    : systemLog_(std::move(systemLog)), context_(g_main_context_ref(context)), grace_(grace) {}
+    : systemLog_(std::move(systemLog)),
+      context_(context == nullptr ? nullptr : g_main_context_ref(context)),
+      grace_(grace) {}
 
 MainQueueCore::~MainQueueCore() = default;
 
@@ -104,22 +61,28 @@ void MainQueueCore::Cancel(const std::shared_ptr<Tick>& tick) {
 
 void MainQueueCore::Stop() {
   StopRunning();
-  if (Join()) RunningMainQueues::OfProcess().Remove(shared_from_this());
+  if (!Join()) return;
+  std::size_t number = 0;
+  {
+    const std::lock_guard lock(mutex_);
+    number = number_;
+  }
+  RunningMainQueues::OfProcess().Remove(number);
 }
 
 // False when none can be started; the next call tries again.
 bool MainQueueCore::EnsureThread() {
-  {
-    const std::lock_guard lock(mutex_);
-    if (thread_.joinable() || isStopped_) return true;
-    try {
-      thread_ = std::thread([self = shared_from_this()] { self->Run(); });
-    } catch (const std::system_error&) {
-      return false;
-    }
+  const std::lock_guard lock(mutex_);
+  if (number_ != 0 || isStopped_) return true;
+  RunningMainQueues& running = RunningMainQueues::OfProcess();
+  number_ = running.Add(shared_from_this());
+  try {
+    thread_ = std::thread([self = shared_from_this()] { self->Run(); });
+    return true;
+  } catch (const std::system_error&) {
+    running.Remove(std::exchange(number_, 0));
+    return false;
   }
-  RunningMainQueues::OfProcess().Add(shared_from_this());
-  return true;
 }
 
 void MainQueueCore::Run() {
@@ -233,28 +196,28 @@ bool MainQueueCore::Join() {
   return true;
 }
 
-// A source that calls once, with this as its argument, and keeps this alive until then.
+// A source that calls once, with this queue's number as its argument: this may be gone by then.
 GSource* MainQueueCore::Attach(GSourceFunc call) {
-  using Self = std::shared_ptr<MainQueueCore>;
   GSource* source = g_idle_source_new();
   g_source_set_priority(source, G_PRIORITY_DEFAULT);
-  g_source_set_callback(source, call, new Self(shared_from_this()),
-                        [](gpointer self) { delete static_cast<Self*>(self); });
+  g_source_set_callback(source, call, GSIZE_TO_POINTER(number_), nullptr);
   g_source_attach(source, context_.get());
   return source;
 }
 
-gboolean MainQueueCore::OnContextRuns(gpointer self) noexcept {
-  MainQueueCore& core = **static_cast<std::shared_ptr<MainQueueCore>*>(self);
-  const std::lock_guard lock(core.mutex_);
-  core.contextRuns_ = true;
-  if (core.probe_ != nullptr) g_source_unref(std::exchange(core.probe_, nullptr));
-  core.changed_.notify_all();
+gboolean MainQueueCore::OnContextRuns(gpointer number) noexcept {
+  const auto core = RunningMainQueues::OfProcess().Find(GPOINTER_TO_SIZE(number));
+  if (!core) return G_SOURCE_REMOVE;
+  const std::lock_guard lock(core->mutex_);
+  core->contextRuns_ = true;
+  if (core->probe_ != nullptr) g_source_unref(std::exchange(core->probe_, nullptr));
+  core->changed_.notify_all();
   return G_SOURCE_REMOVE;
 }
 
-gboolean MainQueueCore::OnHandedOver(gpointer self) noexcept {
-  (*static_cast<std::shared_ptr<MainQueueCore>*>(self))->RunWaiting();
+gboolean MainQueueCore::OnHandedOver(gpointer number) noexcept {
+  const auto core = RunningMainQueues::OfProcess().Find(GPOINTER_TO_SIZE(number));
+  if (core) core->RunWaiting();
   return G_SOURCE_REMOVE;
 }
 

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -32,6 +33,8 @@ class MainQueueCore : public std::enable_shared_from_this<MainQueueCore> {
     bool isCancelled = false;
   };
 
+  // `context` must be run by no more than one thread at a time; the first work waits for it up to
+  // `grace`. Null stands for the default context, which is not made before that.
   MainQueueCore(std::shared_ptr<SystemLog> systemLog, GMainContext* context,
                 std::chrono::milliseconds grace);
   ~MainQueueCore();
@@ -47,7 +50,6 @@ class MainQueueCore : public std::enable_shared_from_this<MainQueueCore> {
   void Stop();
 
  private:
-  friend class RunningMainQueues;
   using Lock = std::unique_lock<std::mutex>;
 
   bool EnsureThread();
@@ -60,8 +62,8 @@ class MainQueueCore : public std::enable_shared_from_this<MainQueueCore> {
   void StopRunning();
   bool Join();
   GSource* Attach(GSourceFunc call);
-  static gboolean OnContextRuns(gpointer self) noexcept;
-  static gboolean OnHandedOver(gpointer self) noexcept;
+  static gboolean OnContextRuns(gpointer number) noexcept;
+  static gboolean OnHandedOver(gpointer number) noexcept;
 
   const std::shared_ptr<SystemLog> systemLog_;
   const GMainContextPointer context_;
@@ -73,6 +75,7 @@ class MainQueueCore : public std::enable_shared_from_this<MainQueueCore> {
   std::vector<std::shared_ptr<Tick>> ticks_;
   GSource* probe_ = nullptr;     // dispatched when the context is run for the first time
   GSource* handOver_ = nullptr;  // set: what waits is the context's to do
+  std::size_t number_ = 0;       // among the queues that run; 0 without a thread
   bool contextRuns_ = false;
   bool isStopped_ = false;
   bool isRunning_ = false;  // a piece of work is under way, on the thread below

@@ -143,7 +143,7 @@ class Encoder {
     const NumberType type = number.StorageType().value_or(NumberType::SInt64);
     WriteInteger(static_cast<std::uint32_t>(type), 4);
     WriteInteger(IsFloatingPoint(type) ? std::bit_cast<std::uint64_t>(number.AsDouble())
-                                  : static_cast<std::uint64_t>(number.AsInt64()),
+                                       : static_cast<std::uint64_t>(number.AsInt64()),
                  8);
   }
 
@@ -248,7 +248,7 @@ class Decoder {
     const auto type = static_cast<NumberType>(static_cast<std::uint32_t>(ReadInteger(4)));
     const std::uint64_t bits = ReadInteger(8);
     return IsFloatingPoint(type) ? Value::Number(type, std::bit_cast<double>(bits))
-                            : Value::Number(type, static_cast<std::int64_t>(bits));
+                                 : Value::Number(type, static_cast<std::int64_t>(bits));
   }
 
   std::string_view ReadText() {

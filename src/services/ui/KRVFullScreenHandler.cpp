@@ -135,7 +135,7 @@ void KRVFullScreenHandler::Build(const std::shared_ptr<Message>& message) {
 std::shared_ptr<Platform::WebView> KRVFullScreenHandler::MakeWebView(WebViewKind kind,
                                                                      const Rect& frame) {
   const auto host = Host::Current();
-  const auto view = host->ui->CreateWebView(
+  auto view = host->ui->CreateWebView(
       {.kind = kind,
        .look = {.frame = frame,
                 .isOpaque = false,

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/linux/GlibMainQueue.h"
+#include "platform/linux/MainQueueCore.h"
 #include "support/FakeSystemLog.h"
 #include "support/RunningContext.h"
 #include "support/WaitUntil.h"
@@ -30,8 +31,10 @@ int ThreadsNamed(const std::string& name) {
   return count;
 }
 
-std::shared_ptr<TestSupport::FakeSystemLog> NewLog() {
-  return std::make_shared<TestSupport::FakeSystemLog>();
+std::shared_ptr<Platform::MainQueueCore> NewCore(GMainContext* context,
+                                                 std::chrono::milliseconds grace) {
+  return std::make_shared<Platform::MainQueueCore>(std::make_shared<TestSupport::FakeSystemLog>(),
+                                                   context, grace);
 }
 
 std::thread::id ThreadOfWork(GlibMainQueue& queue) {
@@ -44,7 +47,7 @@ TEST(GlibMainQueue, StartsItsThreadAtTheFirstWorkAndJoinsIt) {
   const RunningContext context(RunningContext::Begin::Later);
   const int before = ThreadsNamed("QEXMainQueue");
   {
-    GlibMainQueue queue(NewLog(), context.Get(), 0ms);
+    GlibMainQueue queue(NewCore(context.Get(), 0ms));
     EXPECT_EQ(ThreadsNamed("QEXMainQueue"), before);
     ThreadOfWork(queue);
     EXPECT_EQ(ThreadsNamed("QEXMainQueue"), before + 1);
@@ -54,13 +57,13 @@ TEST(GlibMainQueue, StartsItsThreadAtTheFirstWorkAndJoinsIt) {
 
 TEST(GlibMainQueue, WorksOnTheThreadThatRunsTheContext) {
   const RunningContext context;
-  GlibMainQueue queue(NewLog(), context.Get(), 60s);
+  GlibMainQueue queue(NewCore(context.Get(), 60s));
   EXPECT_EQ(ThreadOfWork(queue), context.ThreadId());
 }
 
 TEST(GlibMainQueue, MovesToTheContextWhenThatStartsToRun) {
   RunningContext context(RunningContext::Begin::Later);
-  GlibMainQueue queue(NewLog(), context.Get(), 0ms);
+  GlibMainQueue queue(NewCore(context.Get(), 0ms));
   const std::thread::id own = ThreadOfWork(queue);
   EXPECT_NE(own, std::this_thread::get_id());
   context.Start();
@@ -70,7 +73,7 @@ TEST(GlibMainQueue, MovesToTheContextWhenThatStartsToRun) {
 
 TEST(GlibMainQueue, GivesTheLoopTimeToStart) {
   RunningContext context(RunningContext::Begin::Later);
-  GlibMainQueue queue(NewLog(), context.Get(), 60s);
+  GlibMainQueue queue(NewCore(context.Get(), 60s));
   std::promise<std::thread::id> thread;
   queue.Async([&] { thread.set_value(std::this_thread::get_id()); });
   context.Start();
@@ -79,7 +82,7 @@ TEST(GlibMainQueue, GivesTheLoopTimeToStart) {
 
 TEST(GlibMainQueue, NeverOwnsTheContext) {
   const Platform::GMainContextPointer context(g_main_context_new());
-  GlibMainQueue queue(NewLog(), context.get(), 0ms);
+  GlibMainQueue queue(NewCore(context.get(), 0ms));
   ThreadOfWork(queue);
   EXPECT_TRUE(g_main_context_acquire(context.get()));
   g_main_context_release(context.get());
@@ -87,14 +90,14 @@ TEST(GlibMainQueue, NeverOwnsTheContext) {
 
 TEST(GlibMainQueue, GoesWhileItWaitsForTheLoop) {
   const Platform::GMainContextPointer context(g_main_context_new());
-  GlibMainQueue queue(NewLog(), context.get(), 60s);
+  GlibMainQueue queue(NewCore(context.get(), 60s));
   queue.Async([] {});
 }
 
 TEST(GlibMainQueue, LeavesNothingInTheContext) {
   const Platform::GMainContextPointer context(g_main_context_new());
   {
-    GlibMainQueue queue(NewLog(), context.get(), 0ms);
+    GlibMainQueue queue(NewCore(context.get(), 0ms));
     ThreadOfWork(queue);
   }
   EXPECT_FALSE(g_main_context_pending(context.get()));
@@ -102,7 +105,7 @@ TEST(GlibMainQueue, LeavesNothingInTheContext) {
 
 TEST(GlibMainQueue, MayBeDestroyedByItsOwnWork) {
   const RunningContext context(RunningContext::Begin::Later);
-  auto queue = std::make_shared<GlibMainQueue>(NewLog(), context.Get(), 0ms);
+  auto queue = std::make_shared<GlibMainQueue>(NewCore(context.Get(), 0ms));
   std::promise<void> done;
   GlibMainQueue& work = *queue;
   std::promise<void> released;
@@ -122,7 +125,7 @@ TEST(GlibMainQueue, WaitsForTheWorkThatIsUnderWayWhenItGoes) {
   std::promise<void> begun;
   std::promise<void> going;
   {
-    GlibMainQueue queue(NewLog(), context.Get(), 60s);
+    GlibMainQueue queue(NewCore(context.Get(), 60s));
     queue.Async([&] {
       begun.set_value();
       going.get_future().get();
