@@ -4,9 +4,9 @@
 #include <string>
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
 #include "support/ScopedEnvironment.h"
-#include <sys/wait.h>
 
 namespace {
 
