@@ -79,7 +79,7 @@ TEST_F(AppStateObserver, IgnoresALaunchForAChangeOfPlace) {
 TEST_F(AppStateObserver, IgnoresALaunchForADownload) {
   Register("a");
   handler.handleAppNotification({Platform::kDidFinishLaunchingNotification,
-                                 {{Platform::kLaunchOptionsNewsstandDownloadsKey, "issue"}}});
+                                 {{Platform::kLaunchOptionsNewsstandDownloadsKey, "download"}}});
   log.ExpectLine(LogLevel::Debug, "AppState",
                  "ignoring launch notification (triggered by a Newsstand download request)");
   EXPECT_THAT(calls, IsEmpty());
