@@ -34,7 +34,6 @@ struct SqliteUserDefaultsForkHandlers {
 };
 
 SqliteUserDefaultsForkGuard::SqliteUserDefaultsForkGuard() = default;
-SqliteUserDefaultsForkGuard::~SqliteUserDefaultsForkGuard() = default;
 
 void SqliteUserDefaultsForkGuard::BeginTakingPart() {
   auto& handlers = SqliteUserDefaultsForkHandlers::Get();

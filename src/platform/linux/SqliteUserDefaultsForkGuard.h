@@ -11,7 +11,7 @@ class SqliteUserDefaultsForkGuard {
 
  protected:
   SqliteUserDefaultsForkGuard();
-  ~SqliteUserDefaultsForkGuard();
+  ~SqliteUserDefaultsForkGuard() = default;
 
   // For the last class to call first thing when it is made, and when it goes: the operations below
   // may be called as soon as, or as long as, it takes part. Both wait for a fork to end.
