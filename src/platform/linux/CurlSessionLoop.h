@@ -58,7 +58,8 @@ class CurlSessionLoop {
   std::unique_ptr<CurlTransfer> Remove(TaskId task);
   void FailTask(TaskId task, const Error& error);
   void FinishThoseDone();
-  void FailThoseOutOfTime();
+  // Those that were out of time at `now`.
+  void FailThoseOutOfTime(Clock::time_point now);
   void Wait();
   void CancelAll();
 

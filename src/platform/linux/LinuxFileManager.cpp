@@ -1,7 +1,10 @@
 #include "platform/linux/LinuxFileManager.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <climits>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string_view>
@@ -176,7 +179,11 @@ std::vector<DirectoryEntry> LinuxFileManager::ContentsOfDirectory(const std::str
 std::optional<FileAttributes> LinuxFileManager::AttributesOfItem(const std::string& path) const {
   struct stat status {};
   if (FaultOfPath(path) != 0 || ::stat(path.c_str(), &status) != 0) return std::nullopt;
-  const auto sinceEpoch = std::chrono::seconds(status.st_mtim.tv_sec) +
+  // The clock reaches from 1677 to 2262, file systems farther.
+  constexpr std::int64_t kFarthest =
+      std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::duration::max()).count();
+  const auto sinceEpoch = std::chrono::seconds(std::clamp<std::int64_t>(
+                              status.st_mtim.tv_sec, -kFarthest + 1, kFarthest - 1)) +
                           std::chrono::nanoseconds(status.st_mtim.tv_nsec);
   return FileAttributes{
       .size = status.st_size,

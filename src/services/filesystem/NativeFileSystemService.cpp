@@ -57,12 +57,14 @@ bool NativeFileSystemService::DeleteDirectory(const std::string& path) {
     Log::Debug(kLogTag, "Can't delete directory %s because it is a file", path.c_str());
     return false;
   }
-  if (!GetDirectoryContents(path).empty()) {
+  Platform::Error error;
+  // One that cannot be listed may hold anything, and removing takes it all.
+  const bool isBare = fileManager_->ContentsOfDirectory(absolutePath, &error).empty();
+  if (!isBare || !GetDirectoryContents(path).empty()) {
     Log::Debug(kLogTag, "Can't delete directory %s because it has files", path.c_str());
     return false;
   }
-  Platform::Error error;
-  if (fileManager_->RemoveItem(absolutePath, &error)) {
+  if (!IsError(error) && fileManager_->RemoveItem(absolutePath, &error)) {
     Log::Debug(kLogTag, "Deleted directory: %s", path.c_str());
     return true;
   }

@@ -128,6 +128,14 @@ TEST_F(NativeFileSystemServiceTest, LogsAndThrowsWhyADirectoryStays) {
   EXPECT_EQ(MessageOf([&] { service_->DeleteDirectory(PathOf("empty")); }), "It is held.");
 }
 
+TEST_F(NativeFileSystemServiceTest, DeletesNoDirectoryThatCannotBeListed) {
+  WriteFile("folder/file");
+  host_.fileManager->Fail(FileFault::ContentsOfDirectory, Error("test", 1, "It is held."));
+  ExpectError("Failed to delete directory " + PathOf("folder") + ":\nIt is held.");
+  EXPECT_EQ(MessageOf([&] { service_->DeleteDirectory(PathOf("folder")); }), "It is held.");
+  EXPECT_TRUE(Exists(PathOf("folder/file")));
+}
+
 TEST_F(NativeFileSystemServiceTest, ThrowsForADirectoryThatTheSystemKeeps) {
   const std::string here = PathOf("here");
   fs::create_directory(here);

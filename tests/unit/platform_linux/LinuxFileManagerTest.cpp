@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <chrono>
+#include <ctime>
 #include <filesystem>
 #include <functional>
 
@@ -167,6 +170,22 @@ TEST_F(LinuxFileManagerWithoutPermission, SaysThatPermissionIsMissing) {
     Error error;
     return !LinuxFileManager().ReadText(secret_, &error) && isDenied(error, secret_);
   }));
+}
+
+TEST(LinuxFileManager, TellsTimesBeyondItsClockAsTheFarthestItKnows) {
+  const TestSupport::TemporaryDirectory folder;
+  const std::string path = folder.WriteFile("file", "");
+  constexpr std::time_t kYear2400 = 13'569'465'600;
+  const timespec times[2] = {{0, UTIME_OMIT}, {kYear2400, 0}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+  struct stat status {};
+  ASSERT_EQ(::stat(path.c_str(), &status), 0);
+  const auto attributes = LinuxFileManager().AttributesOfItem(path);
+  ASSERT_TRUE(attributes);
+  // A file system that cannot keep the time cuts it itself.
+  const std::time_t farthest = 9'223'372'035;
+  EXPECT_EQ(std::chrono::system_clock::to_time_t(attributes->modified),
+            std::min(status.st_mtim.tv_sec, farthest));
 }
 
 }  // namespace
