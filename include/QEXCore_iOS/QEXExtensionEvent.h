@@ -21,9 +21,9 @@ class QEXCORE_API QEXExtensionEvent {
   // written as JSON, or absent.
   //
   // Returns nothing when the data are anything else: dates, byte buffers, infinities, keys that are
-  // no texts; `error` then stays as it was. Where the data look right but cannot be written (a text
-  // that is not UTF-8, containers more than 1,024 deep), `error`, if given, tells why, in the
-  // domain of the platform's JSON.
+  // no texts, containers more than 1,024 deep; `error` then stays as it was. Where the data look
+  // right but cannot be written, as with a text that is not UTF-8, `error`, if given, tells why, in
+  // the domain of the platform's JSON.
   static std::shared_ptr<QEXExtensionEvent> extensionEventWithName(
       const std::optional<std::string>& name, const std::optional<std::string>& type,
       const std::optional<std::string>& source, const Platform::Value& data,

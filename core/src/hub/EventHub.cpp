@@ -280,8 +280,7 @@ std::optional<SdkError> EventHub::RegisterModule(
   }
   if (isDisposed_) return Disposed(__LINE__);
   // Asked now, since from its start on the module belongs to its own thread.
-  const std::string version =
-      Log::Precheck(LoggingMode::Trace) ? VersionOf(*module) : std::string();
+  const std::string version = VersionOf(*module);
   JoinEnded();
   const auto host = std::make_shared<ExternalModuleHost>(module, name, shared_from_this(),
                                                          AcceptedCount(), limits_.moduleEvents);
