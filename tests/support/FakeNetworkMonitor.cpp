@@ -15,7 +15,7 @@ struct FakeMonitorClass {
 
 enum Property : guint { kAvailable = 1, kMetered, kConnectivity };
 
-void GetProperty(GObject* object, guint id, GValue* value, GParamSpec* specification) {
+void GetProperty(GObject* object, guint id, GValue* value, GParamSpec* property) {
   const auto& condition = reinterpret_cast<FakeMonitor*>(object)->condition;
   switch (id) {
     case kAvailable:
@@ -25,7 +25,7 @@ void GetProperty(GObject* object, guint id, GValue* value, GParamSpec* specifica
     case kConnectivity:
       return g_value_set_enum(value, condition.connectivity);
     default:
-      G_OBJECT_WARN_INVALID_PROPERTY_ID(object, id, specification);
+      G_OBJECT_WARN_INVALID_PROPERTY_ID(object, id, property);
   }
 }
 
