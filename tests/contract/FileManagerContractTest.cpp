@@ -159,6 +159,22 @@ TYPED_TEST(FileManagerContractTest, RemovesFilesAndWholeDirectories) {
   EXPECT_EQ(error, Error());
 }
 
+TYPED_TEST(FileManagerContractTest, RemovesFilesAndEmptyDirectoriesAlone) {
+  this->WriteFile("file", "x");
+  this->WriteFile("full/file", "x");
+  fs::create_directory(this->PathOf("empty"));
+  fs::create_directory_symlink(this->PathOf("full"), this->PathOf("link"));
+  for (const char* name : {"file", "empty", "link"}) {
+    EXPECT_TRUE(this->manager_.RemoveFileOrEmptyDirectory(this->PathOf(name), nullptr)) << name;
+  }
+  Error error;
+  EXPECT_FALSE(this->manager_.RemoveFileOrEmptyDirectory(this->PathOf("full"), &error));
+  EXPECT_EQ(error.LocalizedDescription(),
+            "Cannot remove \"" + this->PathOf("full") + "\": Directory not empty.");
+  EXPECT_FALSE(this->manager_.RemoveFileOrEmptyDirectory(this->PathOf("missing"), &error));
+  EXPECT_TRUE(fs::exists(this->PathOf("full/file")));
+}
+
 TYPED_TEST(FileManagerContractTest, RemovesALinkAndNotWhatItPointsTo) {
   this->WriteFile("folder/file", "x");
   fs::create_directory_symlink(this->PathOf("folder"), this->PathOf("link"));

@@ -70,6 +70,11 @@ bool ConfinedFileManager::RemoveItem(const std::string& path, Platform::Error* e
   return Permits(path, error) && real_->RemoveItem(path, error);
 }
 
+bool ConfinedFileManager::RemoveFileOrEmptyDirectory(const std::string& path,
+                                                     Platform::Error* error) {
+  return Permits(path, error) && real_->RemoveFileOrEmptyDirectory(path, error);
+}
+
 std::vector<Platform::DirectoryEntry> ConfinedFileManager::ContentsOfDirectory(
     const std::string& path, Platform::Error* error) const {
   return real_->ContentsOfDirectory(path, error);

@@ -33,6 +33,7 @@ class ConfinedFileManager final : public Platform::FileManager {
   bool IsWritable(const std::string& path) const override;
   bool CreateDirectory(const std::string& path, Platform::Error* error) override;
   bool RemoveItem(const std::string& path, Platform::Error* error) override;
+  bool RemoveFileOrEmptyDirectory(const std::string& path, Platform::Error* error) override;
   std::vector<Platform::DirectoryEntry> ContentsOfDirectory(const std::string& path,
                                                             Platform::Error* error) const override;
   std::optional<Platform::FileAttributes> AttributesOfItem(const std::string& path) const override;

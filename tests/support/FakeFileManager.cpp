@@ -137,6 +137,11 @@ bool FakeFileManager::RemoveItem(const std::string& path, Platform::Error* error
   return real_->RemoveItem(path, error);
 }
 
+bool FakeFileManager::RemoveFileOrEmptyDirectory(const std::string& path, Platform::Error* error) {
+  if (faults_->Strikes(FileFault::RemoveItem, error)) return false;
+  return real_->RemoveFileOrEmptyDirectory(path, error);
+}
+
 std::vector<Platform::DirectoryEntry> FakeFileManager::ContentsOfDirectory(
     const std::string& path, Platform::Error* error) const {
   if (faults_->Strikes(FileFault::ContentsOfDirectory, error)) return {};

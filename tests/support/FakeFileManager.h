@@ -17,7 +17,7 @@ namespace TestSupport {
 // What can be made to fail.
 enum class FileFault {
   CreateDirectory,
-  RemoveItem,
+  RemoveItem,  // and of a file or an empty directory
   ContentsOfDirectory,
   ReadText,
   CreateFile,
@@ -61,6 +61,7 @@ class FakeFileManager final : public Platform::FileManager {
   bool IsWritable(const std::string& path) const override;
   bool CreateDirectory(const std::string& path, Platform::Error* error) override;
   bool RemoveItem(const std::string& path, Platform::Error* error) override;
+  bool RemoveFileOrEmptyDirectory(const std::string& path, Platform::Error* error) override;
   std::vector<Platform::DirectoryEntry> ContentsOfDirectory(const std::string& path,
                                                             Platform::Error* error) const override;
   std::optional<Platform::FileAttributes> AttributesOfItem(const std::string& path) const override;

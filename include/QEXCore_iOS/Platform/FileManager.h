@@ -27,8 +27,8 @@ struct FileAttributes {
 };
 
 // The file system. Paths are bytes, "/" separates their parts, and relative ones start at the
-// process's current directory. Symbolic links are followed, save by RemoveItem, which removes the
-// link itself, and in the types of a directory's entries.
+// process's current directory. Symbolic links are followed, save by the operations that remove,
+// which remove the link itself, and in the types of a directory's entries.
 //
 // Safe from any thread. Operations that take an Error write it, where it is not null, only when
 // they fail; its description names the path. Nothing here throws.
@@ -48,6 +48,9 @@ class QEXCORE_API FileManager {
 
   // Removes a file, a symbolic link, or a directory with all that is in it.
   virtual bool RemoveItem(const std::string& path, Error* error) = 0;
+
+  // The same, but fails for a directory that is not empty, whoever fills it and when.
+  virtual bool RemoveFileOrEmptyDirectory(const std::string& path, Error* error) = 0;
 
   // The entries of a directory, without "." and "..", in the order of the file system; empty when
   // it cannot be listed.

@@ -132,6 +132,18 @@ bool IsNameOfOneFolder(std::string_view name) {
          name.find('/') == std::string_view::npos && name.find('\0') == std::string_view::npos;
 }
 
+// `remove` tells whether there was anything to remove.
+template <class Operation>
+bool Remove(const std::string& path, Error* error, const Operation& remove) {
+  std::error_code failure(FaultOfPath(path), std::generic_category());
+  if (!failure && !remove(path, failure) && !failure) {
+    failure = std::make_error_code(std::errc::no_such_file_or_directory);
+  }
+  if (!failure) return true;
+  WriteFileError(error, "remove", path, failure.value());
+  return false;
+}
+
 }  // namespace
 
 std::string LinuxFileManager::CurrentDirectoryPath() const {
@@ -158,13 +170,15 @@ bool LinuxFileManager::CreateDirectory(const std::string& path, Error* error) {
 }
 
 bool LinuxFileManager::RemoveItem(const std::string& path, Error* error) {
-  std::error_code failure(FaultOfPath(path), std::generic_category());
-  if (!failure && fs::remove_all(path, failure) == 0 && !failure) {
-    failure = std::make_error_code(std::errc::no_such_file_or_directory);
-  }
-  if (!failure) return true;
-  WriteFileError(error, "remove", path, failure.value());
-  return false;
+  return Remove(path, error, [](const std::string& item, std::error_code& failure) {
+    return fs::remove_all(item, failure) > 0;
+  });
+}
+
+bool LinuxFileManager::RemoveFileOrEmptyDirectory(const std::string& path, Error* error) {
+  return Remove(path, error, [](const std::string& item, std::error_code& failure) {
+    return fs::remove(item, failure);
+  });
 }
 
 std::vector<DirectoryEntry> LinuxFileManager::ContentsOfDirectory(const std::string& path,

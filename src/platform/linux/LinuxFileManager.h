@@ -19,6 +19,7 @@ class LinuxFileManager final : public FileManager {
 
   // A missing item is an error.
   bool RemoveItem(const std::string& path, Error* error) override;
+  bool RemoveFileOrEmptyDirectory(const std::string& path, Error* error) override;
 
   std::vector<DirectoryEntry> ContentsOfDirectory(const std::string& path,
                                                   Error* error) const override;

@@ -57,14 +57,12 @@ bool NativeFileSystemService::DeleteDirectory(const std::string& path) {
     Log::Debug(kLogTag, "Can't delete directory %s because it is a file", path.c_str());
     return false;
   }
-  Platform::Error error;
-  // One that cannot be listed may hold anything, and removing takes it all.
-  const bool isBare = fileManager_->ContentsOfDirectory(absolutePath, &error).empty();
-  if (!isBare || !GetDirectoryContents(path).empty()) {
+  if (!GetDirectoryContents(path).empty()) {
     Log::Debug(kLogTag, "Can't delete directory %s because it has files", path.c_str());
     return false;
   }
-  if (!IsError(error) && fileManager_->RemoveItem(absolutePath, &error)) {
+  Platform::Error error;
+  if (fileManager_->RemoveFileOrEmptyDirectory(absolutePath, &error)) {
     Log::Debug(kLogTag, "Deleted directory: %s", path.c_str());
     return true;
   }
@@ -86,7 +84,7 @@ bool NativeFileSystemService::DeleteFile(const std::string& path) {
     return false;
   }
   Platform::Error error;
-  if (fileManager_->RemoveItem(absolutePath, &error)) {
+  if (fileManager_->RemoveFileOrEmptyDirectory(absolutePath, &error)) {
     Log::Debug(kLogTag, "Deleted file successfully: %s", path.c_str());
     return true;
   }

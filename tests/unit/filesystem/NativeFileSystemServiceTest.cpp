@@ -131,8 +131,9 @@ TEST_F(NativeFileSystemServiceTest, LogsAndThrowsWhyADirectoryStays) {
 TEST_F(NativeFileSystemServiceTest, DeletesNoDirectoryThatCannotBeListed) {
   WriteFile("folder/file");
   host_.fileManager->Fail(FileFault::ContentsOfDirectory, Error("test", 1, "It is held."));
-  ExpectError("Failed to delete directory " + PathOf("folder") + ":\nIt is held.");
-  EXPECT_EQ(MessageOf([&] { service_->DeleteDirectory(PathOf("folder")); }), "It is held.");
+  const std::string reason = "Cannot remove \"" + PathOf("folder") + "\": Directory not empty.";
+  ExpectError("Failed to delete directory " + PathOf("folder") + ":\n" + reason);
+  EXPECT_EQ(MessageOf([&] { service_->DeleteDirectory(PathOf("folder")); }), reason);
   EXPECT_TRUE(Exists(PathOf("folder/file")));
 }
 
