@@ -92,6 +92,13 @@ class EventHub::ModuleContext final : public HubContext {
   void Dispatch(std::shared_ptr<Event> event) override {
     hub_.PostFromInside(std::move(event), "");
   }
+  Poster WayHome() override {
+    return [weakHub = hub_.weak_from_this()](std::function<void()> work) {
+      const std::shared_ptr<EventHub> hub = weakHub.lock();
+      if (hub == nullptr) return;
+      hub->queue_.Push({nullptr, std::move(work), ""}, Queue::Admission::Always);
+    };
+  }
   bool SetSharedState(const std::string& json, const std::shared_ptr<Event>& event) override {
     return hub_.EventHub::SetSharedState(name_, std::make_shared<const std::string>(json), event);
   }
@@ -218,6 +225,10 @@ void EventHub::PostFromInside(std::shared_ptr<Event> event, const std::string& d
 }
 
 void EventHub::Handle(const Item& item) {
+  if (item.event == nullptr) {
+    CallGuarded(item.whenHandled);
+    return;
+  }
   const std::shared_ptr<Event> event = item.event->WithNumber(++lastNumber_);
   TraceEvent(*event);
   if (event->GetNumber() == 1) TellOfFirstEvent(event);

@@ -117,7 +117,7 @@ class EventHub : public std::enable_shared_from_this<EventHub> {
  private:
   class ModuleContext;
   struct Item {
-    std::shared_ptr<Event> event;
+    std::shared_ptr<Event> event;  // none when there is only something to call
     std::function<void()> whenHandled;
     std::string deafModule;  // does not hear this event
   };

@@ -13,6 +13,7 @@ namespace Velmora {
 class HubContext {
  public:
   using Handler = std::function<void(const std::shared_ptr<Event>&)>;
+  using Poster = std::function<void(std::function<void()> work)>;
 
   virtual ~HubContext() = default;
 
@@ -23,6 +24,11 @@ class HubContext {
   // Puts an event in line behind those that wait. One that finds no room is dropped and counted; an
   // answer to a request may use the room kept for requests.
   virtual void Dispatch(std::shared_ptr<Event> event) = 0;
+
+  // A function that calls what it is given on the hub's thread, behind the events that wait; so a
+  // module brings home what it did on another thread. It may be kept, and called on any thread, for
+  // as long as one likes: once the hub is disposed it drops what it is given.
+  virtual Poster WayHome() = 0;
 
   // Publishes the module's state as JSON text, valid from `event` on. False, and the state before
   // stays, when the text is too long.

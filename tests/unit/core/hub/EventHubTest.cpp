@@ -1,5 +1,6 @@
 #include <cmath>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -188,6 +189,39 @@ TEST_F(EventHubTest, TakesNoModulesOfItsOwnOnceItHasStarted) {
   EXPECT_EQ(CodeThrownBy(add), ErrorCodes::kEventHubAlreadyStarted);
   Finish();
   EXPECT_EQ(CodeThrownBy(add), ErrorCodes::kEventHubDisposed);
+}
+
+TEST_F(EventHubTest, BringsAModulesWorkHomeToItsThreadAndCountsItForNoEvent) {
+  class WorkingModule final : public Velmora::HubModule {
+   public:
+    explicit WorkingModule(Velmora::HubContext::Poster& wayHome) : wayHome_(wayHome) {}
+    std::string GetName() const override { return "working"; }
+    void Attach(Velmora::HubContext& context) override { wayHome_ = context.WayHome(); }
+
+   private:
+    Velmora::HubContext::Poster& wayHome_;
+  };
+  Velmora::HubContext::Poster wayHome;
+  const auto listener = std::make_shared<RecordingListener>();
+  hub = EventHub::Create(services);
+  hub->AddModule(std::make_unique<WorkingModule>(wayHome));
+  hub->Start();
+  RegisterWith("listening", listener);
+  TestSupport::Guarded<std::thread::id> homeThread;
+  wayHome([&] { homeThread.Set(std::this_thread::get_id()); });
+  log.ExpectLine(LogLevel::Error, "EventHub", "a callback failed: std.exception: spilt");
+  wayHome([] { throw std::runtime_error("spilt"); });
+  EXPECT_EQ(Dispatch(NewEvent("first")), "");
+  Finish();
+  EXPECT_NE(homeThread.Get(), std::thread::id());
+  EXPECT_NE(homeThread.Get(), std::this_thread::get_id());
+  EXPECT_EQ(listener->Heard().at(0)->GetNumber(), 1);
+
+  bool isCalled = false;
+  wayHome([&] { isCalled = true; });
+  hub = nullptr;
+  wayHome([&] { isCalled = true; });
+  EXPECT_FALSE(isCalled);
 }
 
 TEST_F(EventHubTest, DropsEventsBeyondAModulesLimitWithoutHarmToOthers) {
