@@ -20,8 +20,7 @@ constexpr std::uint16_t kDeflated64 = 9;
 
 constexpr std::uint32_t kZip64Marker = 0xFFFFFFFF;
 
-template <class Header>
-bool IsEmpty(const Header& header) {
+bool IsEmpty(const ZipEntryHeader& header) {
   return header.compressedSize == 0 && header.uncompressedSize == 0 && header.crc == 0;
 }
 
