@@ -9,11 +9,8 @@
 #include "VelmoraCore/Log.h"
 #include "VelmoraCore/TryCatch.h"
 #include "base/LeftoverThreads.h"
-<<<<<<< HEAD
 #include "base/LogText.h"
-=======
 #include "base/SystemClock.h"
->>>>>>> 31a3b80
 #include "hub/EventRules.h"
 
 namespace Velmora {
