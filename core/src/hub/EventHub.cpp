@@ -10,6 +10,7 @@
 #include "VelmoraCore/TryCatch.h"
 #include "base/LeftoverThreads.h"
 #include "base/LogText.h"
+#include "base/SystemClock.h"
 #include "hub/EventRules.h"
 
 namespace Velmora {
@@ -19,6 +20,7 @@ constexpr const char* kLogTag = "EventHub";
 constexpr const char* kSourceLocation = "src/hub/EventHub";
 constexpr const char* kHubThreadName = "VelmoraEventHub";
 constexpr const char* kCallbackThreadName = "VelmoraCallback";
+constexpr const char* kClockThreadName = "VelmoraClock";
 
 std::chrono::steady_clock::time_point DeadlineAfter(std::chrono::milliseconds timeout) {
   // Longer waits could not be told apart, and would overflow the clock.
@@ -43,6 +45,13 @@ SdkError Disposed(int line) {
 SdkError NameIsTaken(const std::string& name, int line) {
   return {ErrorCodes::kExternalModuleDuplicateModuleName, "there is a module of this name: " + name,
           DebugInfo(kSourceLocation, line)};
+}
+
+void NameThisThread(const PlatformServicesInterface& services, const std::string& name) {
+  TrySwallow([&] {
+    const std::shared_ptr<SystemInfoServiceInterface> info = services.GetSystemInfoService();
+    if (info != nullptr) info->SetCurrentThreadName(name);
+  });
 }
 
 void CallGuarded(const std::function<void()>& callback) {
@@ -104,6 +113,7 @@ class EventHub::ModuleContext final : public HubContext {
     return hub_.EventHub::GetSharedState(owner, event);
   }
   PlatformServicesInterface& Services() override { return *hub_.services_; }
+  Clock& GetClock() override { return *hub_.clock_; }
 
  private:
   EventHub& hub_;
@@ -111,9 +121,9 @@ class EventHub::ModuleContext final : public HubContext {
 };
 
 std::shared_ptr<EventHub> EventHub::Create(std::shared_ptr<PlatformServicesInterface> services,
-                                           EventHubLimits limits) {
+                                           EventHubLimits limits, std::shared_ptr<Clock> clock) {
   // The hub's threads own the hub as well; the handle given out ends them, and with them the hub.
-  auto hub = std::make_shared<EventHub>(std::move(services), limits);
+  auto hub = std::make_shared<EventHub>(std::move(services), limits, std::move(clock));
   EventHub* const target = hub.get();
   return {target, [hub = std::move(hub)](EventHub*) mutable {
             hub->Dispose(std::chrono::milliseconds::zero());
@@ -123,9 +133,14 @@ std::shared_ptr<EventHub> EventHub::Create(std::shared_ptr<PlatformServicesInter
           }};
 }
 
-EventHub::EventHub(std::shared_ptr<PlatformServicesInterface> services, EventHubLimits limits)
+EventHub::EventHub(std::shared_ptr<PlatformServicesInterface> services, EventHubLimits limits,
+                   std::shared_ptr<Clock> clock)
     : services_(std::move(services)),
       limits_(limits),
+      clock_(clock != nullptr ? std::move(clock)
+                              : std::make_shared<SystemClock>([services = services_] {
+                                  NameThisThread(*services, kClockThreadName);
+                                })),
       responseWaiters_(limits.responseWaiters),
       callbacks_(limits.callbacks),
       queue_(limits.events, limits.requests) {}
@@ -163,12 +178,7 @@ void EventHub::Start() {
   });
 }
 
-void EventHub::NameThread(const std::string& name) const {
-  TrySwallow([&] {
-    const std::shared_ptr<SystemInfoServiceInterface> info = services_->GetSystemInfoService();
-    if (info != nullptr) info->SetCurrentThreadName(name);
-  });
-}
+void EventHub::NameThread(const std::string& name) const { NameThisThread(*services_, name); }
 
 std::optional<SdkError> EventHub::Dispatch(const std::shared_ptr<Event>& event,
                                            ResponseWaiters::Callback onResponse) {
@@ -382,6 +392,7 @@ void EventHub::Dispose(std::chrono::milliseconds timeout) {
   if (isStarted_) queue_.WaitUntilIdle(deadline);
   const std::size_t events = queue_.Stop();
   queue_.Join();
+  clock_->Stop();
   const ModuleRegistry::Hosts hosts = modules_.All();
   for (const auto& host : hosts) host->WaitUntilIdle(deadline);
   std::size_t moduleEvents = 0;

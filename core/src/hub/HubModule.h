@@ -6,6 +6,7 @@
 
 #include "VelmoraCore/Event.h"
 #include "VelmoraCore/PlatformServicesInterface.h"
+#include "base/Clock.h"
 
 namespace Velmora {
 
@@ -43,6 +44,10 @@ class HubContext {
       const std::string& owner, const std::shared_ptr<Event>& event) = 0;
 
   virtual PlatformServicesInterface& Services() = 0;
+
+  // Its actions come on a thread of its own and must bring their work home; none comes once the hub
+  // is disposed.
+  virtual Clock& GetClock() = 0;
 };
 
 // A module of the core's own. Owned by the hub. Attach is called on the thread that makes the core;
