@@ -9,6 +9,7 @@
 #include <string>
 #include <utility>
 
+#include <curl/curl.h>
 #include <gmock/gmock.h>
 
 #include "ChildProgram.h"
@@ -154,6 +155,30 @@ TEST_F(DevServerTest, KeepsItsAuthorityInTheUsersCacheUnlessItIsToldWhere) {
     EXPECT_EQ(fs::status(folder + "/authority.key").permissions(),
               fs::perms::owner_read | fs::perms::owner_write);
   }
+}
+
+// What libcurl says of a client that knows nothing newer than TLS 1.2.
+CURLcode AskWithOldTls(const std::string& url, const std::string& authority) {
+  CURL* handle = ::curl_easy_init();
+  ::curl_easy_setopt(handle, CURLOPT_URL, url.c_str());
+  ::curl_easy_setopt(handle, CURLOPT_CAINFO, authority.c_str());
+  ::curl_easy_setopt(handle, CURLOPT_NOBODY, 1L);
+  ::curl_easy_setopt(handle, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_MAX_TLSv1_2));
+  const CURLcode result = ::curl_easy_perform(handle);
+  ::curl_easy_cleanup(handle);
+  return result;
+}
+
+TEST_F(DevServerTest, SpeaksNoOlderTlsWhereItIsToldSo) {
+  const std::string authority = folder_.PathOf("ca/authority.pem");
+  EXPECT_EQ(AskWithOldTls(url_ + "/rules.json", authority), CURLE_OK);
+  const std::string output = folder_.WriteFile("newest", "");
+  ChildProgram newest(
+      {DEVSERVER_PROGRAM, folder_.PathOf("www"), "--tls13", "--authority", folder_.PathOf("ca")},
+      output);
+  const std::string url = Announced(newest, output, "url=") + "/rules.json";
+  EXPECT_EQ(AskWithOldTls(url, authority), CURLE_SSL_CONNECT_ERROR);
+  EXPECT_EQ(Get(url)->GetResponseCode(), 200);
 }
 
 TEST_F(DevServerTest, KeepsItsAuthorityAndEndsInGoodOrder) {
