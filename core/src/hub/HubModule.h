@@ -6,6 +6,7 @@
 
 #include "VelmoraCore/Event.h"
 #include "VelmoraCore/PlatformServicesInterface.h"
+#include "base/Clock.h"
 
 namespace Velmora {
 
@@ -13,6 +14,7 @@ namespace Velmora {
 class HubContext {
  public:
   using Handler = std::function<void(const std::shared_ptr<Event>&)>;
+  using Poster = std::function<void(std::function<void()> work)>;
 
   virtual ~HubContext() = default;
 
@@ -20,9 +22,17 @@ class HubContext {
   // in HubModule::Attach only.
   virtual void Listen(const std::string& type, const std::string& source, Handler handler) = 0;
 
+  // The same with every event there is, after those who listen to its type and source.
+  virtual void ListenToAll(Handler handler) = 0;
+
   // Puts an event in line behind those that wait. One that finds no room is dropped and counted; an
   // answer to a request may use the room kept for requests.
   virtual void Dispatch(std::shared_ptr<Event> event) = 0;
+
+  // A function that calls what it is given on the hub's thread, behind the events that wait; so a
+  // module brings home what it did on another thread. It may be kept, and called on any thread, for
+  // as long as one likes: once the hub is disposed it drops what it is given.
+  virtual Poster WayHome() = 0;
 
   // Publishes the module's state as JSON text, valid from `event` on. False, and the state before
   // stays, when the text is too long.
@@ -34,6 +44,10 @@ class HubContext {
       const std::string& owner, const std::shared_ptr<Event>& event) = 0;
 
   virtual PlatformServicesInterface& Services() = 0;
+
+  // Its actions come on a thread of its own and must bring their work home; none comes once the hub
+  // is disposed.
+  virtual Clock& GetClock() = 0;
 };
 
 // A module of the core's own. Owned by the hub. Attach is called on the thread that makes the core;

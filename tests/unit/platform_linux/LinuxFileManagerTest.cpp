@@ -20,6 +20,7 @@
 #include <unistd.h>
 
 #include "platform/linux/LinuxFileManager.h"
+#include "support/ForkedProcess.h"
 #include "support/ScopedEnvironment.h"
 #include "support/TemporaryDirectory.h"
 
@@ -30,6 +31,7 @@ namespace fs = std::filesystem;
 using Platform::Error;
 using Platform::LinuxFileManager;
 using testing::HasSubstr;
+using TestSupport::AsStranger;
 using TestSupport::ScopedEnvironment;
 using TestSupport::TemporaryDirectory;
 
@@ -113,20 +115,6 @@ TEST(LinuxFileManager, RemovesTreesDeeperThanAPathCanName) {
   EXPECT_TRUE(LinuxFileManager().RemoveItem(folder.PathOf("tree"), &error))
       << error.LocalizedDescription();
   EXPECT_TRUE(fs::is_empty(folder.Path()));
-}
-
-// Runs `look` in a process of a user who owns nothing here, and gives what it returns.
-bool AsStranger(const std::function<bool()>& look) {
-  const pid_t child = ::fork();
-  if (child == 0) {
-    constexpr uid_t kNobody = 65534;
-    if (::geteuid() == 0 && (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0)) ::_exit(2);
-    ::_exit(look() ? 0 : 1);
-  }
-  int status = 0;
-  EXPECT_EQ(::waitpid(child, &status, 0), child);
-  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) < 2);
-  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 class LinuxFileManagerWithoutPermission : public testing::Test {
