@@ -333,13 +333,13 @@ TYPED_TEST(FileManagerContractTest, SaysWhyTextCannotBeRead) {
     return error.LocalizedDescription();
   };
   const std::string tooLarge = this->WriteFile("tooLarge", "");
-  fs::resize_file(tooLarge, (std::uintmax_t{256} << 20) + 1);
+  fs::resize_file(tooLarge, (std::uintmax_t{512} << 20) + 1);
   ASSERT_EQ(::mkfifo(this->PathOf("pipe").c_str(), 0600), 0);
 
   EXPECT_THAT(reasonOf(this->PathOf("missing")), HasSubstr(": No such file or directory."));
   EXPECT_THAT(reasonOf(this->folder_.Path()), HasSubstr(": Is a directory."));
   EXPECT_THAT(reasonOf(this->WriteFile("latin1", "caf\xe9")), HasSubstr(": It is not UTF-8 text."));
-  EXPECT_THAT(reasonOf(tooLarge), HasSubstr(": It is larger than 256 MiB."));
+  EXPECT_THAT(reasonOf(tooLarge), HasSubstr(": It is larger than 512 MiB."));
   EXPECT_THAT(reasonOf(this->PathOf("pipe")), HasSubstr(": It is no regular file."));
   EXPECT_THAT(reasonOf("/dev/zero"), HasSubstr(": It is no regular file."));
 }

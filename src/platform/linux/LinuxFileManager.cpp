@@ -221,13 +221,13 @@ std::optional<FileAttributes> LinuxFileManager::AttributesOfItem(const std::stri
 }
 
 std::optional<std::string> LinuxFileManager::ReadText(const std::string& path, Error* error) const {
-  constexpr std::size_t kLargestText = std::size_t{256} << 20;
+  constexpr std::size_t kLargestText = std::size_t{512} << 20;
   constexpr const char* kAction = "read the file";
   const FileDescriptor file = Open(path, O_RDONLY);
   std::string text;
   const int failure = file.IsOpen() ? ReadAll(file, kLargestText, text) : errno;
   if (failure == EFBIG) {
-    WriteFileError(error, kAction, path, failure, "It is larger than 256 MiB");
+    WriteFileError(error, kAction, path, failure, "It is larger than 512 MiB");
   } else if (failure == ENOTSUP) {
     WriteFileError(error, kAction, path, failure, "It is no regular file");
   } else if (failure != 0) {
