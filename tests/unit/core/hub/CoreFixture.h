@@ -10,6 +10,7 @@
 #include "VelmoraCore/Core.h"
 #include "VelmoraCore/EventNames.h"
 #include "VelmoraCore/TryCatch.h"
+#include "hub/EventHub.h"
 #include "services/datastore/NativeLocalStorageService.h"
 #include "services/filesystem/NativeFileSystemService.h"
 #include "services/json/NativeJsonUtilityService.h"
@@ -37,8 +38,11 @@ class CoreFixture : public testing::Test {
     host.bundle->SetInfo("CFBundleName", "Sample");
   }
 
+  // The hub that the next core uses; the core makes its own where there is none.
+  virtual std::shared_ptr<Velmora::EventHub> MakeHub() { return nullptr; }
+
   void StartCore() {
-    core = Velmora::Core::Create(services, nullptr);
+    core = Velmora::Core::Create(services, MakeHub());
     listener = std::make_shared<RecordingListener>();
     witness = std::make_shared<RecordingModule>("witness");
     witness->onRegister = [hearing = listener](const ModuleServices& moduleServices) {
