@@ -104,6 +104,28 @@ TYPED_TEST(FileManagerContractTest, DoesNotCutPathsAtAZeroByte) {
   EXPECT_TRUE(fs::exists(this->PathOf("file")));
 }
 
+TYPED_TEST(FileManagerContractTest, KnowsOneItemByAllItsPaths) {
+  const std::string file = this->WriteFile("file", "x");
+  fs::create_symlink("file", this->PathOf("link"));
+  fs::create_hard_link(file, this->PathOf("hard link"));
+  for (const char* name : {"file", "./file", "link", "hard link"}) {
+    EXPECT_TRUE(this->manager_.IsSameItem(file, this->PathOf(name))) << name;
+    EXPECT_TRUE(this->manager_.IsSameItem(this->PathOf(name), file)) << name;
+  }
+  EXPECT_TRUE(this->manager_.IsSameItem(this->folder_.Path(), this->PathOf(".")));
+
+  fs::copy_file(file, this->PathOf("copy"));
+  fs::create_symlink("loop", this->PathOf("loop"));
+  for (const char* name : {"copy", "", "missing", "loop", "file/below"}) {
+    EXPECT_FALSE(this->manager_.IsSameItem(file, this->PathOf(name))) << name;
+    EXPECT_FALSE(this->manager_.IsSameItem(this->PathOf(name), file)) << name;
+  }
+  EXPECT_FALSE(this->manager_.IsSameItem(this->PathOf("missing"), this->PathOf("missing")));
+  for (const std::string& path : this->ImpossiblePaths()) {
+    EXPECT_FALSE(this->manager_.IsSameItem(path, file));
+  }
+}
+
 TYPED_TEST(FileManagerContractTest, TellsWhatCanBeWritten) {
   this->WriteFile("file", "x");
   EXPECT_TRUE(this->manager_.IsWritable(this->folder_.Path()));
@@ -246,6 +268,19 @@ TYPED_TEST(FileManagerContractTest, TellsSizeAndTimeOfChange) {
   EXPECT_EQ(attributes->size, 5);
   EXPECT_EQ(attributes->modified.time_since_epoch(), std::chrono::milliseconds(1'700'000'000'250));
   EXPECT_FALSE(this->manager_.AttributesOfItem(this->PathOf("missing")));
+}
+
+TYPED_TEST(FileManagerContractTest, TellsSizeAndTimeOfWhatALinkLeadsTo) {
+  const std::string path = this->WriteFile("file", std::string(1'000, 'x'));
+  const timespec times[2] = {{.tv_sec = 1, .tv_nsec = 0}, {.tv_sec = 1'000'000, .tv_nsec = 0}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+  fs::create_symlink("file", this->PathOf("link"));
+  fs::create_symlink("nothing", this->PathOf("dangling"));
+  const auto attributes = this->manager_.AttributesOfItem(this->PathOf("link"));
+  ASSERT_TRUE(attributes);
+  EXPECT_EQ(attributes->size, 1'000);
+  EXPECT_EQ(attributes->modified.time_since_epoch(), std::chrono::seconds(1'000'000));
+  EXPECT_FALSE(this->manager_.AttributesOfItem(this->PathOf("dangling")));
 }
 
 TYPED_TEST(FileManagerContractTest, TellsSizesBeyondFourGigabytes) {

@@ -9,6 +9,7 @@
 #include "VelmoraCore/Log.h"
 #include "VelmoraCore/TryCatch.h"
 #include "base/LeftoverThreads.h"
+#include "base/LogText.h"
 #include "base/SystemClock.h"
 #include "hub/EventRules.h"
 
@@ -28,20 +29,12 @@ std::chrono::steady_clock::time_point DeadlineAfter(std::chrono::milliseconds ti
          std::clamp(timeout, std::chrono::milliseconds::zero(), kLongest);
 }
 
-// An event's name is anybody's text; a log line is one line.
-std::string Readable(const std::string& text) {
-  std::string readable = text.substr(0, EventRules::kMaxNameLength);
-  std::replace_if(
-      readable.begin(), readable.end(),
-      [](char byte) { return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F; }, '?');
-  return readable;
-}
-
 void TraceEvent(const Event& event) {
   if (!Log::Precheck(LoggingMode::Trace)) return;
   Log::Trace(kLogTag, "event %lld: type %s, source %s, name \"%s\"",
              static_cast<long long>(event.GetNumber()), event.GetType().c_str(),
-             event.GetSource().c_str(), Readable(event.GetName()).c_str());
+             event.GetSource().c_str(),
+             LogText::Readable(event.GetName(), EventRules::kMaxNameLength).c_str());
 }
 
 SdkError Disposed(int line) {
@@ -84,7 +77,8 @@ std::string NameOf(ExternalModuleInterface& module) {
 
 std::string VersionOf(ExternalModuleInterface& module) {
   std::string version;
-  TrySwallow([&] { version = Readable(module.GetModuleVersion()); });
+  TrySwallow(
+      [&] { version = LogText::Readable(module.GetModuleVersion(), EventRules::kMaxNameLength); });
   return version;
 }
 
@@ -97,6 +91,9 @@ class EventHub::ModuleContext final : public HubContext {
   void Listen(const std::string& type, const std::string& source, Handler handler) override {
     hub_.ownListeners_[ExternalModuleHost::Topic(type, source)].push_back(
         {name_, std::move(handler)});
+  }
+  void ListenToAll(Handler handler) override {
+    hub_.ownWildcardListeners_.push_back({name_, std::move(handler)});
   }
   void Dispatch(std::shared_ptr<Event> event) override {
     hub_.PostFromInside(std::move(event), "");
@@ -266,11 +263,14 @@ void EventHub::TellOfFirstEvent(const std::shared_ptr<Event>& event) {
 }
 
 void EventHub::TellOwnModules(const std::string& topic, const std::shared_ptr<Event>& event) const {
+  const auto tell = [&event](const std::vector<OwnListener>& listeners) {
+    for (const OwnListener& listener : listeners) {
+      CallModule(listener.module, *event, [&] { listener.handler(event); });
+    }
+  };
   const auto listeners = ownListeners_.find(topic);
-  if (listeners == ownListeners_.end()) return;
-  for (const OwnListener& listener : listeners->second) {
-    CallModule(listener.module, *event, [&] { listener.handler(event); });
-  }
+  if (listeners != ownListeners_.end()) tell(listeners->second);
+  tell(ownWildcardListeners_);
 }
 
 void EventHub::EndOwnModules() const {

@@ -166,6 +166,7 @@ class EventHub : public std::enable_shared_from_this<EventHub> {
   ModuleRegistry modules_;
   std::vector<OwnModule> ownModules_;
   std::unordered_map<std::string, std::vector<OwnListener>> ownListeners_;  // by topic
+  std::vector<OwnListener> ownWildcardListeners_;
   std::int64_t lastNumber_ = 0;  // for the hub's thread only
 
   CallbackQueue callbacks_;

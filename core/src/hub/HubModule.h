@@ -22,6 +22,9 @@ class HubContext {
   // in HubModule::Attach only.
   virtual void Listen(const std::string& type, const std::string& source, Handler handler) = 0;
 
+  // The same with every event there is, after those who listen to its type and source.
+  virtual void ListenToAll(Handler handler) = 0;
+
   // Puts an event in line behind those that wait. One that finds no room is dropped and counted; an
   // answer to a request may use the room kept for requests.
   virtual void Dispatch(std::shared_ptr<Event> event) = 0;

@@ -41,6 +41,10 @@ class QEXCORE_API FileManager {
   // What lies at `path`: Missing also where it cannot be reached.
   virtual FileType TypeOfItem(const std::string& path) const = 0;
 
+  // True when both paths lead to one and the same item, by whatever links; false when either is
+  // missing.
+  virtual bool IsSameItem(const std::string& path, const std::string& other) const = 0;
+
   virtual bool IsWritable(const std::string& path) const = 0;
 
   // Makes the directory and every missing parent. Succeeds when it is already there.

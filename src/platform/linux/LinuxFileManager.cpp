@@ -54,6 +54,13 @@ bool IsDirectory(const FileDescriptor& file) {
   return ::fstat(file.Number(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+// Of what the path leads to; nothing where it cannot be asked for.
+std::optional<struct stat> StatusOf(const std::string& path) {
+  struct stat status {};
+  if (FaultOfPath(path) != 0 || ::stat(path.c_str(), &status) != 0) return std::nullopt;
+  return status;
+}
+
 FileType TypeOf(fs::file_type type) {
   switch (type) {
     case fs::file_type::none:
@@ -157,6 +164,13 @@ FileType LinuxFileManager::TypeOfItem(const std::string& path) const {
   return TypeOf(fs::status(path, error).type());
 }
 
+bool LinuxFileManager::IsSameItem(const std::string& path, const std::string& other) const {
+  const auto one = StatusOf(path);
+  if (!one) return false;
+  const auto two = StatusOf(other);
+  return two && one->st_dev == two->st_dev && one->st_ino == two->st_ino;
+}
+
 bool LinuxFileManager::IsWritable(const std::string& path) const {
   return FaultOfPath(path) == 0 && ::access(path.c_str(), W_OK) == 0;
 }
@@ -191,16 +205,16 @@ std::vector<DirectoryEntry> LinuxFileManager::ContentsOfDirectory(const std::str
 }
 
 std::optional<FileAttributes> LinuxFileManager::AttributesOfItem(const std::string& path) const {
-  struct stat status {};
-  if (FaultOfPath(path) != 0 || ::stat(path.c_str(), &status) != 0) return std::nullopt;
+  const auto status = StatusOf(path);
+  if (!status) return std::nullopt;
   // The clock reaches from 1677 to 2262, file systems farther.
   constexpr std::int64_t kFarthest =
       std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::duration::max()).count();
   const auto sinceEpoch = std::chrono::seconds(std::clamp<std::int64_t>(
-                              status.st_mtim.tv_sec, -kFarthest + 1, kFarthest - 1)) +
-                          std::chrono::nanoseconds(status.st_mtim.tv_nsec);
+                              status->st_mtim.tv_sec, -kFarthest + 1, kFarthest - 1)) +
+                          std::chrono::nanoseconds(status->st_mtim.tv_nsec);
   return FileAttributes{
-      .size = status.st_size,
+      .size = status->st_size,
       .modified = std::chrono::system_clock::time_point(
           std::chrono::duration_cast<std::chrono::system_clock::duration>(sinceEpoch))};
 }

@@ -14,6 +14,7 @@ class LinuxFileManager final : public FileManager {
  public:
   std::string CurrentDirectoryPath() const override;
   FileType TypeOfItem(const std::string& path) const override;
+  bool IsSameItem(const std::string& path, const std::string& other) const override;
   bool IsWritable(const std::string& path) const override;
   bool CreateDirectory(const std::string& path, Error* error) override;
 

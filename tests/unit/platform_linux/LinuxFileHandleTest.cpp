@@ -1,19 +1,19 @@
-#include <csignal>
 #include <fstream>
 #include <string>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 
 #include "QEXCore_iOS/Platform/DeviceError.h"
 #include "platform/linux/LinuxFileHandle.h"
+#include "support/FileSizeLimit.h"
 #include "support/TemporaryDirectory.h"
 
 namespace {
 
 using Platform::FileDescriptor;
 using Platform::LinuxFileHandle;
+using TestSupport::FileSizeLimit;
 
 // Whether a read was served from what was read ahead shows when the file is changed behind the
 // handle's back.
@@ -97,26 +97,6 @@ TEST_F(LinuxFileHandleTest, EndsWhereTheFileWasCut) {
   handle_.Seek(LinuxFileHandle::kReadAhead);
   EXPECT_EQ(handle_.Read(text.data(), text.size()), 0U);
 }
-
-// Keeps files of this process from growing beyond `bytes`.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) : formerHandler_(::signal(SIGXFSZ, SIG_IGN)) {
-    ::getrlimit(RLIMIT_FSIZE, &former_);
-    const rlimit limit{.rlim_cur = bytes, .rlim_max = former_.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() {
-    ::setrlimit(RLIMIT_FSIZE, &former_);
-    ::signal(SIGXFSZ, formerHandler_);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  sighandler_t formerHandler_;
-  rlimit former_{};
-};
 
 TEST_F(LinuxFileHandleTest, TellsHowMuchOfAWriteTheDeviceTook) {
   const std::string bytes(2 * kLength, 'b');

@@ -227,6 +227,36 @@ TEST_F(EventHubTest, BringsAModulesWorkHomeToItsThreadAndCountsItForNoEvent) {
   EXPECT_FALSE(isCalled);
 }
 
+TEST_F(EventHubTest, AModuleOfItsOwnMayHearEverythingAfterThoseWhoListenToOneTopic) {
+  class HearingModule final : public Velmora::HubModule {
+   public:
+    explicit HearingModule(CallLog& calls) : calls_(calls) {}
+    std::string GetName() const override { return "hearing"; }
+    void Attach(Velmora::HubContext& context) override {
+      context.ListenToAll([this](const EventPointer& event) {
+        Add(calls_, "all: " + event->GetName());
+        if (event->GetName() == "bad") throw std::runtime_error("spilt");
+      });
+      context.Listen(
+          "a", "b", [this](const EventPointer& event) { Add(calls_, "one: " + event->GetName()); });
+    }
+
+   private:
+    CallLog& calls_;
+  };
+  CallLog calls;
+  hub = EventHub::Create(services);
+  hub->AddModule(std::make_unique<HearingModule>(calls));
+  hub->Start();
+  log.ExpectLine(LogLevel::Error, "EventHub",
+                 "module hearing: event 2 failed: std.exception: spilt");
+  EXPECT_EQ(Dispatch(NewEvent("first", "a", "b")), "");
+  EXPECT_EQ(Dispatch(NewEvent("bad", "c", "d")), "");
+  EXPECT_EQ(Dispatch(NewEvent("last", "a", "d")), "");
+  Finish();
+  EXPECT_THAT(calls.Get(), ElementsAre("one: first", "all: first", "all: bad", "all: last"));
+}
+
 // Lends out the context that it is given.
 class LendingModule final : public Velmora::HubModule {
  public:
