@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -21,6 +23,14 @@ class AnalyticsFixture : public CoreFixture {
 
   void AnswerWith(const Answer& answer) {
     host.urlSession->SetServer([answer](const Platform::UrlRequest&) { return answer; });
+  }
+
+  // The last one is given to every later request too.
+  void AnswerInTurn(const std::vector<Answer>& answers) {
+    const auto next = std::make_shared<std::atomic<std::size_t>>(0);
+    host.urlSession->SetServer([answers, next](const Platform::UrlRequest&) {
+      return answers[std::min((*next)++, answers.size() - 1)];
+    });
   }
 
   void Configure(const std::string& key, std::shared_ptr<Velmora::Variant> value) {

@@ -19,6 +19,9 @@ using Velmora::Variant;
 
 class AnalyticsSendingTest : public AnalyticsFixture {
  protected:
+  // In seconds. The wait for an answer must not be taken for one between attempts.
+  static constexpr int kTimeoutLikeNoDelay = 5;
+
   AnalyticsSendingTest() {
     log.AllowLines(LogLevel::Debug, "Analytics", testing::StartsWith("a hit was not taken"));
     log.AllowLines(LogLevel::Debug, "NativeNetworkService", testing::_);
@@ -116,8 +119,7 @@ TEST_F(AnalyticsSendingTest, SendsNothingInTheClear) {
 TEST_F(AnalyticsSendingTest, TriesAgainAfterDelaysThatDoubleUpToTenMinutes) {
   AnswerWith(Session::Respond(500));
   StartSending();
-  // None of the delays.
-  Configure("analytics.timeout", Variant::FromLong(5));
+  Configure("analytics.timeout", Variant::FromLong(kTimeoutLikeNoDelay));
   Track("stubborn");
   for (const auto delay : std::vector<std::chrono::milliseconds>{1s, 2s, 4s, 8s, 16s, 32s, 64s,
                                                                  128s, 256s, 512s, 600s, 600s}) {
@@ -150,7 +152,7 @@ TEST_F(AnalyticsSendingTest, LeavesTheCollectorAloneForAsLongAsItAsksFor) {
 }
 
 TEST_F(AnalyticsSendingTest, TakesSilenceForAFailureOnceTheTimeIsUp) {
-  AnswerWith(Session::Never());
+  AnswerInTurn({Session::Never(), Session::Respond(200)});
   StartSending();
   Track("silent");
   ASSERT_TRUE(WaitForPosts(1));
@@ -158,7 +160,6 @@ TEST_F(AnalyticsSendingTest, TakesSilenceForAFailureOnceTheTimeIsUp) {
   ASSERT_TRUE(WaitForWait(16s));
   clock->Advance(16s);
   ASSERT_TRUE(WaitForWait(1s));
-  AnswerWith(Session::Respond(200));
   clock->Advance(1s);
   EXPECT_TRUE(WaitForNumbers({0, 1, 0}));
 }
@@ -174,11 +175,10 @@ TEST_F(AnalyticsSendingTest, TakesTheTimeoutFromTheConfiguration) {
 }
 
 TEST_F(AnalyticsSendingTest, SendsWhatFailedOfflineWhenTheNetworkIsBack) {
-  AnswerWith(Session::Fail(Platform::UrlFailure::NotConnected));
+  AnswerInTurn({Session::Fail(Platform::UrlFailure::NotConnected), Session::Respond(200)});
   StartSending();
   for (const char* action : {"a", "b", "c"}) Track(action);
   ASSERT_TRUE(WaitForWait(16s));
-  AnswerWith(Session::Respond(200));
   clock->Advance(16s);
   ASSERT_TRUE(WaitForWait(1s));
   clock->Advance(1s);
@@ -187,25 +187,25 @@ TEST_F(AnalyticsSendingTest, SendsWhatFailedOfflineWhenTheNetworkIsBack) {
 }
 
 TEST_F(AnalyticsSendingTest, KeepsWhatTheCollectorMayTakeLater) {
-  for (const int status : {301, 401, 403, 404, 405, 408, 410, 425, 429, 500, 502, 503, 504}) {
-    AnswerWith(Session::Respond(status));
-    if (core == nullptr) {
-      StartSending();
-      Track("kept");
-    }
-    ASSERT_TRUE(TestSupport::WaitUntil([&] { return !clock->Waits().empty(); }));
+  const std::vector<int> statuses{301, 401, 403, 404, 405, 408, 410, 425, 429, 500, 502, 503, 504};
+  std::vector<Answer> answers;
+  for (const int status : statuses) answers.push_back(Session::Respond(status));
+  AnswerInTurn(answers);
+  StartSending();
+  Configure("analytics.timeout", Variant::FromLong(kTimeoutLikeNoDelay));
+  Track("kept");
+  std::chrono::milliseconds delay = 1s;
+  for (const int status : statuses) {
+    ASSERT_TRUE(WaitForWait(delay)) << status;
     EXPECT_THAT(Numbers(), ElementsAre(1, 0, 0)) << status;
-    clock->Advance(10min);
+    clock->Advance(delay);
+    delay = std::min<std::chrono::milliseconds>(delay * 2, 10min);
   }
 }
 
 TEST_F(AnalyticsSendingTest, DropsWhatTheCollectorRefusesForGoodAndSaysSo) {
-  const std::vector<int> refusals{400, 413, 415, 422};
-  const auto index = std::make_shared<std::atomic<std::size_t>>(0);
-  host.urlSession->SetServer([refusals, index](const Platform::UrlRequest&) {
-    const std::size_t next = (*index)++;
-    return Session::Respond(next < refusals.size() ? refusals[next] : 200);
-  });
+  AnswerInTurn({Session::Respond(400), Session::Respond(413), Session::Respond(415),
+                Session::Respond(422), Session::Respond(200)});
   StartCore();
   core->SetPrivacyStatus(MobilePrivacyStatus::OptedIn);
   for (const char* action : {"a", "b", "c", "d", "good"}) Track(action);
@@ -240,11 +240,10 @@ TEST_F(AnalyticsSendingTest, SaysOnceThatThereIsNoNetworkService) {
 }
 
 TEST_F(AnalyticsSendingTest, ResendsWithTheSameIdWhatWasNotAcknowledgedBeforeTheEnd) {
-  AnswerWith(Session::Never());
+  AnswerInTurn({Session::Never(), Session::Respond(200)});
   StartSending();
   Track("twice");
   ASSERT_TRUE(WaitForPosts(1));
-  AnswerWith(Session::Respond(200));
   Restart();
   UseCollector();
   EXPECT_TRUE(WaitForNumbers({0, 1, 0}));
