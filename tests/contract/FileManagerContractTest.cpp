@@ -158,6 +158,21 @@ TYPED_TEST(FileManagerContractTest, NamesThePathThatCannotBecomeADirectory) {
   EXPECT_TRUE(fs::is_regular_file(file));
 }
 
+TYPED_TEST(FileManagerContractTest, MakesDirectoriesByWayOfLinksAndDots) {
+  fs::create_directory(this->PathOf("folder"));
+  fs::create_directory_symlink("folder", this->PathOf("link"));
+  fs::create_symlink("nothing", this->PathOf("dangling"));
+  EXPECT_TRUE(this->manager_.CreateDirectory(this->PathOf("link/a//./b/../c"), nullptr));
+  EXPECT_TRUE(fs::is_directory(this->PathOf("folder/a/b")));
+  EXPECT_TRUE(fs::is_directory(this->PathOf("folder/a/c")));
+  EXPECT_TRUE(this->manager_.CreateDirectory(this->PathOf("link"), nullptr));
+  Error error;
+  EXPECT_FALSE(this->manager_.CreateDirectory(this->PathOf("dangling"), &error));
+  EXPECT_EQ(error.LocalizedDescription(),
+            "Cannot create the directory \"" + this->PathOf("dangling") + "\": File exists.");
+  EXPECT_FALSE(this->manager_.CreateDirectory(this->PathOf("dangling/a"), nullptr));
+}
+
 TYPED_TEST(FileManagerContractTest, MakesOneDirectoryForManyThreads) {
   constexpr int kRounds = 50;
   for (int round = 0; round < kRounds; ++round) {
@@ -318,13 +333,13 @@ TYPED_TEST(FileManagerContractTest, SaysWhyTextCannotBeRead) {
     return error.LocalizedDescription();
   };
   const std::string tooLarge = this->WriteFile("tooLarge", "");
-  fs::resize_file(tooLarge, (std::uintmax_t{256} << 20) + 1);
+  fs::resize_file(tooLarge, (std::uintmax_t{512} << 20) + 1);
   ASSERT_EQ(::mkfifo(this->PathOf("pipe").c_str(), 0600), 0);
 
   EXPECT_THAT(reasonOf(this->PathOf("missing")), HasSubstr(": No such file or directory."));
   EXPECT_THAT(reasonOf(this->folder_.Path()), HasSubstr(": Is a directory."));
   EXPECT_THAT(reasonOf(this->WriteFile("latin1", "caf\xe9")), HasSubstr(": It is not UTF-8 text."));
-  EXPECT_THAT(reasonOf(tooLarge), HasSubstr(": It is larger than 256 MiB."));
+  EXPECT_THAT(reasonOf(tooLarge), HasSubstr(": It is larger than 512 MiB."));
   EXPECT_THAT(reasonOf(this->PathOf("pipe")), HasSubstr(": It is no regular file."));
   EXPECT_THAT(reasonOf("/dev/zero"), HasSubstr(": It is no regular file."));
 }

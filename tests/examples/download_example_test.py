@@ -2,6 +2,8 @@
 runs it against the development server: for a new file, for one that has not changed, and for one
 that has."""
 
+import base64
+import hashlib
 import re
 import subprocess
 import sys
@@ -45,6 +47,13 @@ class DownloadExample(unittest.TestCase):
         self.assertIn("\n  200 OK, 32 bytes\n", self.downloads[2])
         self.assertNotEqual(self.served_from(2), self.served_from(0))
         self.assertIn('\n  which holds: {"version": 2, "changed": true}\n', self.downloads[2])
+
+    def test_a_cached_file_is_named_after_url_date_and_tag(self):
+        url = re.search(r"(?m)^  GET (.*)$", self.downloads[0])[1]
+        digest = base64.b64encode(hashlib.sha256(url.encode()).digest()).decode().replace("/", "_")
+        tag = re.search(r"(?m)^    If-None-Match: (.*)$", self.downloads[1])[1]
+        self.assertRegex(self.served_from(0),
+                         f"^{re.escape(digest)}\\.[1-9][0-9]*_{tag.encode().hex().upper()}$")
 
 
 if __name__ == "__main__":

@@ -64,7 +64,8 @@ class QEXCORE_API FileManager {
   // Nothing for a missing item.
   virtual std::optional<FileAttributes> AttributesOfItem(const std::string& path) const = 0;
 
-  // The whole regular file as text. Fails for one that is not UTF-8 and for one beyond 256 MiB.
+  // The whole regular file as text. Fails for one that is not UTF-8 and for one beyond 512 MiB,
+  // as much as a response may bring.
   virtual std::optional<std::string> ReadText(const std::string& path, Error* error) const = 0;
 
   // Makes an empty file, or empties the one that is there.

@@ -9,7 +9,8 @@
 
 namespace Platform {
 
-// Files on POSIX. Errors have the domain "platform.files" and the errno value as their code.
+// Files on POSIX. Errors have the domain "platform.files" and the errno value as their code. Child
+// processes inherit nothing that is open here.
 class LinuxFileManager final : public FileManager {
  public:
   std::string CurrentDirectoryPath() const override;
