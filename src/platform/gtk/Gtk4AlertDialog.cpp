@@ -11,11 +11,16 @@ G_GNUC_BEGIN_IGNORE_DEPRECATIONS
 namespace Platform {
 namespace {
 
-constexpr std::size_t kLongestTitle = 1'000;
-constexpr std::size_t kLongestMessage = 20'000;
+constexpr std::size_t kLongestTitle = 300;
+constexpr std::size_t kLongestMessage = 4'000;
 constexpr int kTitleLines = 4;
-constexpr int kTallestMessage = 260;
-constexpr int kWidestButton = 24;  // characters
+constexpr std::size_t kLongestInFull = 600;  // beyond it a message is scrolled
+constexpr int kScrollerHeight = 260;
+constexpr int kLeastWidth = 280;
+constexpr int kWidestLine = 50;  // characters
+constexpr int kWidestButton = 24;
+constexpr int kMargin = 18;
+constexpr int kButtonMargin = 6;
 
 // As a label takes it.
 GCharPointer LabelText(std::string text, std::size_t longest) {
@@ -24,6 +29,13 @@ GCharPointer LabelText(std::string text, std::size_t longest) {
   GCharPointer valid(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())));
   if (!isCut) return valid;
   return GCharPointer(g_strconcat(valid.get(), "…", nullptr));
+}
+
+void SetMargins(GtkWidget* widget, int margin) {
+  gtk_widget_set_margin_top(widget, margin);
+  gtk_widget_set_margin_bottom(widget, margin);
+  gtk_widget_set_margin_start(widget, margin);
+  gtk_widget_set_margin_end(widget, margin);
 }
 
 // A dialog, its signals and what becomes of it; belongs to the dialog.
@@ -42,6 +54,8 @@ class Dialog {
         widget_(gtk_message_dialog_new(window, GTK_DIALOG_MODAL, GTK_MESSAGE_OTHER,
                                        GTK_BUTTONS_NONE, nullptr)) {
     gtk_window_set_destroy_with_parent(GTK_WINDOW(widget_), TRUE);
+    gtk_window_set_resizable(GTK_WINDOW(widget_), FALSE);
+    gtk_window_set_title(GTK_WINDOW(widget_), gtk_window_get_title(window));
     AddTexts();
     std::stable_partition(alert_.buttons.begin(), alert_.buttons.end(),
                           [](const Gtk4Alert::Button& button) { return button.isCancel; });
@@ -57,14 +71,16 @@ class Dialog {
   void AddTexts() {
     // An alert without a title says its message in the title's place.
     const bool hasTitle = !alert_.title.empty();
-    const auto title = LabelText(hasTitle ? alert_.title : alert_.message,
-                                 hasTitle ? kLongestTitle : kLongestMessage);
-    if (hasTitle) g_object_set(widget_, "text", title.get(), nullptr);
     auto* area = GTK_BOX(gtk_message_dialog_get_message_area(GTK_MESSAGE_DIALOG(widget_)));
-    GtkWidget* label = gtk_widget_get_first_child(GTK_WIDGET(area));
-    if (hasTitle && GTK_IS_LABEL(label)) {
-      gtk_label_set_lines(GTK_LABEL(label), kTitleLines);
-      gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
+    SetMargins(GTK_WIDGET(area), kMargin);
+    gtk_widget_set_size_request(GTK_WIDGET(area), kLeastWidth, -1);
+    GtkWidget* title = gtk_widget_get_first_child(GTK_WIDGET(area));
+    gtk_widget_set_visible(title, hasTitle ? TRUE : FALSE);
+    if (hasTitle && GTK_IS_LABEL(title)) {
+      gtk_label_set_text(GTK_LABEL(title), LabelText(alert_.title, kLongestTitle).get());
+      gtk_label_set_lines(GTK_LABEL(title), kTitleLines);
+      gtk_label_set_ellipsize(GTK_LABEL(title), PANGO_ELLIPSIZE_END);
+      gtk_widget_add_css_class(title, "title-4");
     }
     if (!alert_.message.empty()) gtk_box_append(area, NewMessage());
   }
@@ -73,15 +89,18 @@ class Dialog {
     GtkWidget* label = gtk_label_new(LabelText(alert_.message, kLongestMessage).get());
     gtk_label_set_wrap(GTK_LABEL(label), TRUE);
     gtk_label_set_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
-    gtk_label_set_max_width_chars(GTK_LABEL(label), 60);
+    gtk_label_set_max_width_chars(GTK_LABEL(label), kWidestLine);
     gtk_label_set_justify(GTK_LABEL(label), GTK_JUSTIFY_CENTER);
-    GtkWidget* scrolled = gtk_scrolled_window_new();
-    gtk_scrolled_window_set_child(GTK_SCROLLED_WINDOW(scrolled), label);
-    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
+    return alert_.message.size() > kLongestInFull ? NewScroller(label) : label;
+  }
+
+  static GtkWidget* NewScroller(GtkWidget* child) {
+    GtkWidget* scroller = gtk_scrolled_window_new();
+    gtk_scrolled_window_set_child(GTK_SCROLLED_WINDOW(scroller), child);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroller), GTK_POLICY_NEVER,
                                    GTK_POLICY_AUTOMATIC);
-    gtk_scrolled_window_set_propagate_natural_height(GTK_SCROLLED_WINDOW(scrolled), TRUE);
-    gtk_scrolled_window_set_max_content_height(GTK_SCROLLED_WINDOW(scrolled), kTallestMessage);
-    return scrolled;
+    gtk_scrolled_window_set_min_content_height(GTK_SCROLLED_WINDOW(scroller), kScrollerHeight);
+    return scroller;
   }
 
   // A button's response is its number, counted from 1: GTK's own are negative.
@@ -93,6 +112,7 @@ class Dialog {
       gtk_label_set_max_width_chars(GTK_LABEL(label), kWidestButton);
       GtkWidget* widget = gtk_button_new();
       gtk_button_set_child(GTK_BUTTON(widget), label);
+      SetMargins(widget, kButtonMargin);
       gtk_dialog_add_action_widget(GTK_DIALOG(widget_), widget, ++id);
       if (!button.isCancel) gtk_dialog_set_default_response(GTK_DIALOG(widget_), id);
     }
