@@ -44,13 +44,14 @@ class FullscreenListener final : public Velmora::Object,
   explicit FullscreenListener(Calls& calls) : calls_(calls) {}
 
   bool overrides = false;
+  std::string overriddenUrl;  // overrides this one, whatever it does otherwise
   std::weak_ptr<Velmora::FullScreenMessageUiInterface> lastMessage;
 
   void OnShow(const Message& message) override { Note("show", message); }
   void OnDismiss(const Message& message) override { Note("dismiss", message); }
   bool OverrideUrlLoad(const Message& message, const std::string& url) override {
     Note("load " + url, message);
-    return overrides;
+    return overrides || url == overriddenUrl;
   }
 
  private:

@@ -1,5 +1,8 @@
 #include "ui/ScreenFixture.h"
 
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <stdexcept>
 
 #include "QEXCore_iOS/Platform/Host.h"
@@ -22,7 +25,27 @@ Screen& Screen::OfProcess() {
   return screen;
 }
 
+// A program of the user's, as far as GLib can tell.
+void Screen::RegisterOpener() {
+  openedUrl = folder.PathOf("url");
+  const std::string script =
+      folder.WriteFile("open.sh", "printf %s \"$1\" > " + openedUrl + ".new && mv " + openedUrl +
+                                      ".new " + openedUrl);
+  const std::string data = std::getenv("XDG_DATA_HOME");
+  const std::string config = std::getenv("XDG_CONFIG_HOME");
+  std::filesystem::create_directories(data + "/applications");
+  std::ofstream(data + "/applications/qex-screen.desktop")
+      << "[Desktop Entry]\nType=Application\nName=Opener\nExec=/bin/sh " << script
+      << " %u\nMimeType=x-scheme-handler/qex-screen;\n";
+  std::ofstream(config + "/mimeapps.list")
+      << "[Default Applications]\nx-scheme-handler/qex-screen=qex-screen.desktop\n";
+}
+
 Screen::Screen() {
+  if (std::getenv("QEX_ON_DISPLAY") == nullptr) {
+    throw std::runtime_error("Run this with tests/ui/on_display.");
+  }
+  RegisterOpener();
   if (gtk_init_check() == FALSE) throw std::runtime_error("There is no display.");
   bundle->SetBundlePath(folder.Path());
   application = gtk_application_new("com.example.ScreenTests", G_APPLICATION_NON_UNIQUE);
@@ -57,14 +80,17 @@ ScreenFixture::ScreenFixture() {
 ScreenFixture::~ScreenFixture() {
   gtk_window_destroy(window);
   EXPECT_TRUE(Until([] { return g_list_model_get_n_items(gtk_window_get_toplevels()) == 0; }));
-  // What was handed to the main queue before is done once this is.
-  bool isDone = false;
-  Platform::Host::Current()->mainQueue->Async([&isDone] { isDone = true; });
-  EXPECT_TRUE(Until([&isDone] { return isDone; }));
+  EmptyMainQueue();
   KRVMessagesMonitor().dismissed();
   for (const std::string& line : screen.systemLog->TakeLines()) {
     ADD_FAILURE() << "An unexpected line on the system log: " << line;
   }
+}
+
+void ScreenFixture::EmptyMainQueue() {
+  bool isDone = false;
+  Platform::Host::Current()->mainQueue->Async([&isDone] { isDone = true; });
+  EXPECT_TRUE(Until([&isDone] { return isDone; }));
 }
 
 bool ScreenFixture::Resize(int width, int height) {

@@ -23,12 +23,17 @@ struct Screen {
 
   GtkApplication* application = nullptr;
   const TemporaryDirectory folder;  // the bundle's
+
+  // Where the program that opens URLs of the scheme "qex-screen" notes the last one.
+  std::string openedUrl;
+
   const std::shared_ptr<FakeBundle> bundle = std::make_shared<FakeBundle>();
   const std::shared_ptr<FakeSystemLog> systemLog = std::make_shared<FakeSystemLog>();
   std::shared_ptr<Velmora::UIServiceInterface> service;
 
  private:
   Screen();
+  void RegisterOpener();
 };
 
 // One window with an entry and a button of the application's own, in front. Fails for unexpected
@@ -40,6 +45,14 @@ class ScreenFixture : public testing::Test {
 
   // Asks for another size of the window's content, and waits until it has it.
   bool Resize(int width, int height);
+
+  // Until what was handed to the main queue so far has been done.
+  void EmptyMainQueue();
+
+  // Until the application's entry holds that text.
+  bool UntilEntered(const std::string& text) {
+    return Until([&] { return gtk_editable_get_text(GTK_EDITABLE(entry)) == text; });
+  }
 
   bool IsActive() const { return gtk_window_is_active(window) != FALSE; }
   int ContentWidth() const { return gtk_widget_get_width(content); }

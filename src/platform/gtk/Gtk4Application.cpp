@@ -48,9 +48,7 @@ std::vector<GtkWindow*> Gtk4Application::OwnWindows() const {
 
 GtkWindow* Gtk4Application::ActiveWindow() const {
   const auto toplevels = AllToplevels();
-  const auto active = std::find_if(toplevels.begin(), toplevels.end(), [](GtkWindow* window) {
-    return gtk_window_is_active(window) != FALSE;
-  });
+  const auto active = std::find_if(toplevels.begin(), toplevels.end(), &IsInFront);
   if (active == toplevels.end()) return nullptr;
   GtkWindow* window = WindowBelow(*active);
   const auto own = OwnWindows();

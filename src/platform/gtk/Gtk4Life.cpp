@@ -8,10 +8,6 @@ namespace {
 
 constexpr std::chrono::milliseconds kGrace{150};
 
-bool IsSeen(GtkWindow* window) {
-  return gtk_widget_get_visible(GTK_WIDGET(window)) != FALSE && !IsMinimized(window);
-}
-
 }  // namespace
 
 Gtk4Life::Gtk4Life(GtkApplication* application,
@@ -65,9 +61,7 @@ void Gtk4Life::Update() {
 
 bool Gtk4Life::IsInFront() {
   const auto windows = AllToplevels();
-  const bool isActive = std::any_of(windows.begin(), windows.end(), [](GtkWindow* window) {
-    return gtk_window_is_active(window) != FALSE;
-  });
+  const bool isActive = std::any_of(windows.begin(), windows.end(), &Platform::IsInFront);
   if (isActive) hasBeenActive_ = true;
   return isActive || (!hasBeenActive_ && std::any_of(windows.begin(), windows.end(), &IsSeen));
 }

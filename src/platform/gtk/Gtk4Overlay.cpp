@@ -77,11 +77,12 @@ void Gtk4Overlay::Remove(const Gtk4Placement* placement) {
   if (found == views_.end()) return;
   const auto view = *found;  // it may live no longer than here
   views_.erase(found);
+  GtkWidget* focus = window_ == nullptr ? nullptr : gtk_window_get_focus(window_);
+  const bool hadFocus =
+      focus != nullptr &&
+      (focus == placement->Widget() || gtk_widget_is_ancestor(focus, placement->Widget()) != FALSE);
   gtk_overlay_remove_overlay(overlay_.get(), placement->Widget());
-  // The focus was in the view that went, or nobody has it.
-  if (window_ != nullptr && gtk_window_get_focus(window_) == nullptr) {
-    GiveFocusBack(window_, focusBefore_.Get().get());
-  }
+  if (hadFocus) GiveFocusBack(window_, focusBefore_.Get().get());
 }
 
 void Gtk4Overlay::Abandon() {

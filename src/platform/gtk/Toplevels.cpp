@@ -15,6 +15,12 @@ bool IsModalOver(GtkWindow* dialog, GtkWindow* window) {
          gtk_widget_get_visible(GTK_WIDGET(dialog)) != FALSE;
 }
 
+bool IsMinimized(GtkWindow* window) {
+  GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(window));
+  if (surface == nullptr || !GDK_IS_TOPLEVEL(surface)) return false;
+  return (gdk_toplevel_get_state(GDK_TOPLEVEL(surface)) & GDK_TOPLEVEL_STATE_MINIMIZED) != 0;
+}
+
 }  // namespace
 
 std::vector<GtkWindow*> AllToplevels() {
@@ -46,10 +52,13 @@ GtkWindow* WindowBelow(GtkWindow* window) {
   return window;
 }
 
-bool IsMinimized(GtkWindow* window) {
-  GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(window));
-  if (surface == nullptr || !GDK_IS_TOPLEVEL(surface)) return false;
-  return (gdk_toplevel_get_state(GDK_TOPLEVEL(surface)) & GDK_TOPLEVEL_STATE_MINIMIZED) != 0;
+bool IsSeen(GtkWindow* window) {
+  return gtk_widget_get_visible(GTK_WIDGET(window)) != FALSE && !IsMinimized(window);
+}
+
+bool IsInFront(GtkWindow* window) {
+  return gtk_window_is_active(window) != FALSE &&
+         gtk_widget_get_mapped(GTK_WIDGET(window)) != FALSE && !IsMinimized(window);
 }
 
 ToplevelWatch::ToplevelWatch(Connect connect, std::function<void()> changed)

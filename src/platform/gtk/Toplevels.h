@@ -21,7 +21,11 @@ GtkWindow* DialogOver(GtkWindow* window);
 // The window that `window` was put over as a modal dialog; itself when it is none.
 GtkWindow* WindowBelow(GtkWindow* window);
 
-bool IsMinimized(GtkWindow* window);
+// To be seen, as far as the window itself goes.
+bool IsSeen(GtkWindow* window);
+
+// It takes the user's input. A hidden window may still count as active with GTK.
+bool IsInFront(GtkWindow* window);
 
 // Follows the windows of the process as they come and go. Lives on the main queue.
 class ToplevelWatch {
