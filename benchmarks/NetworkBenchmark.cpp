@@ -85,8 +85,8 @@ class Server {
 
  private:
   void Start() {
-    std::vector<std::string> arguments = {DEVSERVER_PROGRAM, folder_ / "www", "--authority",
-                                          folder_ / "ca"};
+    std::vector<std::string> arguments = {DEVSERVER_PROGRAM, folder_ / "www", "--tls13",
+                                          "--authority", folder_ / "ca"};
     std::vector<char*> pointers;
     for (std::string& argument : arguments) pointers.push_back(argument.data());
     pointers.push_back(nullptr);

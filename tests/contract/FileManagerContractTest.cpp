@@ -104,6 +104,28 @@ TYPED_TEST(FileManagerContractTest, DoesNotCutPathsAtAZeroByte) {
   EXPECT_TRUE(fs::exists(this->PathOf("file")));
 }
 
+TYPED_TEST(FileManagerContractTest, KnowsOneItemByAllItsPaths) {
+  const std::string file = this->WriteFile("file", "x");
+  fs::create_symlink("file", this->PathOf("link"));
+  fs::create_hard_link(file, this->PathOf("hard link"));
+  for (const char* name : {"file", "./file", "link", "hard link"}) {
+    EXPECT_TRUE(this->manager_.IsSameItem(file, this->PathOf(name))) << name;
+    EXPECT_TRUE(this->manager_.IsSameItem(this->PathOf(name), file)) << name;
+  }
+  EXPECT_TRUE(this->manager_.IsSameItem(this->folder_.Path(), this->PathOf(".")));
+
+  fs::copy_file(file, this->PathOf("copy"));
+  fs::create_symlink("loop", this->PathOf("loop"));
+  for (const char* name : {"copy", "", "missing", "loop", "file/below"}) {
+    EXPECT_FALSE(this->manager_.IsSameItem(file, this->PathOf(name))) << name;
+    EXPECT_FALSE(this->manager_.IsSameItem(this->PathOf(name), file)) << name;
+  }
+  EXPECT_FALSE(this->manager_.IsSameItem(this->PathOf("missing"), this->PathOf("missing")));
+  for (const std::string& path : this->ImpossiblePaths()) {
+    EXPECT_FALSE(this->manager_.IsSameItem(path, file));
+  }
+}
+
 TYPED_TEST(FileManagerContractTest, TellsWhatCanBeWritten) {
   this->WriteFile("file", "x");
   EXPECT_TRUE(this->manager_.IsWritable(this->folder_.Path()));
@@ -134,6 +156,21 @@ TYPED_TEST(FileManagerContractTest, NamesThePathThatCannotBecomeADirectory) {
     EXPECT_FALSE(this->manager_.CreateDirectory(path, nullptr));
   }
   EXPECT_TRUE(fs::is_regular_file(file));
+}
+
+TYPED_TEST(FileManagerContractTest, MakesDirectoriesByWayOfLinksAndDots) {
+  fs::create_directory(this->PathOf("folder"));
+  fs::create_directory_symlink("folder", this->PathOf("link"));
+  fs::create_symlink("nothing", this->PathOf("dangling"));
+  EXPECT_TRUE(this->manager_.CreateDirectory(this->PathOf("link/a//./b/../c"), nullptr));
+  EXPECT_TRUE(fs::is_directory(this->PathOf("folder/a/b")));
+  EXPECT_TRUE(fs::is_directory(this->PathOf("folder/a/c")));
+  EXPECT_TRUE(this->manager_.CreateDirectory(this->PathOf("link"), nullptr));
+  Error error;
+  EXPECT_FALSE(this->manager_.CreateDirectory(this->PathOf("dangling"), &error));
+  EXPECT_EQ(error.LocalizedDescription(),
+            "Cannot create the directory \"" + this->PathOf("dangling") + "\": File exists.");
+  EXPECT_FALSE(this->manager_.CreateDirectory(this->PathOf("dangling/a"), nullptr));
 }
 
 TYPED_TEST(FileManagerContractTest, MakesOneDirectoryForManyThreads) {
@@ -248,6 +285,19 @@ TYPED_TEST(FileManagerContractTest, TellsSizeAndTimeOfChange) {
   EXPECT_FALSE(this->manager_.AttributesOfItem(this->PathOf("missing")));
 }
 
+TYPED_TEST(FileManagerContractTest, TellsSizeAndTimeOfWhatALinkLeadsTo) {
+  const std::string path = this->WriteFile("file", std::string(1'000, 'x'));
+  const timespec times[2] = {{.tv_sec = 1, .tv_nsec = 0}, {.tv_sec = 1'000'000, .tv_nsec = 0}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+  fs::create_symlink("file", this->PathOf("link"));
+  fs::create_symlink("nothing", this->PathOf("dangling"));
+  const auto attributes = this->manager_.AttributesOfItem(this->PathOf("link"));
+  ASSERT_TRUE(attributes);
+  EXPECT_EQ(attributes->size, 1'000);
+  EXPECT_EQ(attributes->modified.time_since_epoch(), std::chrono::seconds(1'000'000));
+  EXPECT_FALSE(this->manager_.AttributesOfItem(this->PathOf("dangling")));
+}
+
 TYPED_TEST(FileManagerContractTest, TellsSizesBeyondFourGigabytes) {
   const std::string path = this->WriteFile("large", "");
   constexpr std::int64_t kSize = std::int64_t{5} << 30;
@@ -283,13 +333,13 @@ TYPED_TEST(FileManagerContractTest, SaysWhyTextCannotBeRead) {
     return error.LocalizedDescription();
   };
   const std::string tooLarge = this->WriteFile("tooLarge", "");
-  fs::resize_file(tooLarge, (std::uintmax_t{256} << 20) + 1);
+  fs::resize_file(tooLarge, (std::uintmax_t{512} << 20) + 1);
   ASSERT_EQ(::mkfifo(this->PathOf("pipe").c_str(), 0600), 0);
 
   EXPECT_THAT(reasonOf(this->PathOf("missing")), HasSubstr(": No such file or directory."));
   EXPECT_THAT(reasonOf(this->folder_.Path()), HasSubstr(": Is a directory."));
   EXPECT_THAT(reasonOf(this->WriteFile("latin1", "caf\xe9")), HasSubstr(": It is not UTF-8 text."));
-  EXPECT_THAT(reasonOf(tooLarge), HasSubstr(": It is larger than 256 MiB."));
+  EXPECT_THAT(reasonOf(tooLarge), HasSubstr(": It is larger than 512 MiB."));
   EXPECT_THAT(reasonOf(this->PathOf("pipe")), HasSubstr(": It is no regular file."));
   EXPECT_THAT(reasonOf("/dev/zero"), HasSubstr(": It is no regular file."));
 }

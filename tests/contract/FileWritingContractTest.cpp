@@ -1,12 +1,11 @@
-#include <csignal>
 #include <filesystem>
 #include <string>
 #include <thread>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include "contract/FileManagerContract.h"
+#include "support/FileSizeLimit.h"
 
 namespace FileManagerContract {
 namespace {
@@ -15,27 +14,8 @@ namespace fs = std::filesystem;
 
 using Platform::Error;
 using testing::HasSubstr;
+using TestSupport::FileSizeLimit;
 using TestSupport::ReadFileBytes;
-
-// While it lives, no file may grow beyond so many bytes, as on a disk that is full.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) : formerHandler_(std::signal(SIGXFSZ, SIG_IGN)) {
-    ::getrlimit(RLIMIT_FSIZE, &former_);
-    const rlimit limit{bytes, former_.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() {
-    ::setrlimit(RLIMIT_FSIZE, &former_);
-    std::signal(SIGXFSZ, formerHandler_);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  rlimit former_{};
-  void (*formerHandler_)(int);
-};
 
 template <class Implementation>
 class FileWritingContractTest : public Fixture<Implementation> {

@@ -58,6 +58,10 @@ Platform::FileType ConfinedFileManager::TypeOfItem(const std::string& path) cons
   return real_->TypeOfItem(path);
 }
 
+bool ConfinedFileManager::IsSameItem(const std::string& path, const std::string& other) const {
+  return real_->IsSameItem(path, other);
+}
+
 bool ConfinedFileManager::IsWritable(const std::string& path) const {
   return Permits(path, nullptr) && real_->IsWritable(path);
 }

@@ -51,6 +51,38 @@ class FailingDigest final : public Platform::Digest {
   std::array<std::uint8_t, 32> Sha256(std::string_view) const override { FailDevice(); }
 };
 
+// Has no place in WithFailingPorts: services may rely on files that do not throw.
+class FailingFileManager final : public Platform::FileManager {
+ public:
+  std::string CurrentDirectoryPath() const override { FailDevice(); }
+  Platform::FileType TypeOfItem(const std::string&) const override { FailDevice(); }
+  bool IsSameItem(const std::string&, const std::string&) const override { FailDevice(); }
+  bool IsWritable(const std::string&) const override { FailDevice(); }
+  bool CreateDirectory(const std::string&, Platform::Error*) override { FailDevice(); }
+  bool RemoveItem(const std::string&, Platform::Error*) override { FailDevice(); }
+  bool RemoveFileOrEmptyDirectory(const std::string&, Platform::Error*) override { FailDevice(); }
+  std::vector<Platform::DirectoryEntry> ContentsOfDirectory(const std::string&,
+                                                            Platform::Error*) const override {
+    FailDevice();
+  }
+  std::optional<Platform::FileAttributes> AttributesOfItem(const std::string&) const override {
+    FailDevice();
+  }
+  std::optional<std::string> ReadText(const std::string&, Platform::Error*) const override {
+    FailDevice();
+  }
+  bool CreateFile(const std::string&) override { FailDevice(); }
+  bool WriteFile(const std::string&, std::string_view, Platform::Error*) override { FailDevice(); }
+  std::unique_ptr<Platform::FileHandle> OpenForReading(const std::string&) override {
+    FailDevice();
+  }
+  std::unique_ptr<Platform::FileHandle> OpenForWriting(const std::string&) override {
+    FailDevice();
+  }
+  std::string CachesDirectory() const override { FailDevice(); }
+  std::string GroupContainerDirectory(const std::string&) const override { FailDevice(); }
+};
+
 class FailingLocalNotifications final : public Platform::LocalNotifications {
  public:
   bool IsSupported() const override { FailDevice(); }
@@ -127,7 +159,7 @@ class FailingUuidGenerator final : public Platform::UuidGenerator {
   Platform::UuidBytes Random() override { FailDevice(); }
 };
 
-// `host` with every port above in the place of its own.
+// `host` with every port above in the place of its own, save the files.
 inline Platform::Host WithFailingPorts(Platform::Host host) {
   host.application = std::make_shared<FailingApplication>();
   host.base64 = std::make_shared<FailingBase64>();

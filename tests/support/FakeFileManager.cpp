@@ -125,6 +125,10 @@ Platform::FileType FakeFileManager::TypeOfItem(const std::string& path) const {
   return real_->TypeOfItem(path);
 }
 
+bool FakeFileManager::IsSameItem(const std::string& path, const std::string& other) const {
+  return real_->IsSameItem(path, other);
+}
+
 bool FakeFileManager::IsWritable(const std::string& path) const { return real_->IsWritable(path); }
 
 bool FakeFileManager::CreateDirectory(const std::string& path, Platform::Error* error) {

@@ -58,6 +58,7 @@ class FakeFileManager final : public Platform::FileManager {
 
   std::string CurrentDirectoryPath() const override;
   Platform::FileType TypeOfItem(const std::string& path) const override;
+  bool IsSameItem(const std::string& path, const std::string& other) const override;
   bool IsWritable(const std::string& path) const override;
   bool CreateDirectory(const std::string& path, Platform::Error* error) override;
   bool RemoveItem(const std::string& path, Platform::Error* error) override;

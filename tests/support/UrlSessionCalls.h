@@ -65,9 +65,14 @@ inline UrlOutcome Fetch(Platform::UrlSession& session, const std::string& url) {
 
 // An outcome that is this failure, without a response.
 MATCHER_P(FailsWith, failure, "") {
+  if (arg.response != nullptr) {
+    *result_listener << "which is a response with status " << arg.response->statusCode << " and "
+                     << arg.response->body.size() << " bytes";
+    return false;
+  }
   *result_listener << "whose error is " << arg.error.Domain() << ' ' << arg.error.Code() << " \""
                    << arg.error.LocalizedDescription() << '"';
-  return arg.response == nullptr && arg.error.Domain() == Platform::kUrlErrorDomain &&
+  return arg.error.Domain() == Platform::kUrlErrorDomain &&
          arg.error.Code() == static_cast<std::int64_t>(failure) &&
          !arg.error.LocalizedDescription().empty();
 }

@@ -27,6 +27,7 @@ struct Options {
   std::string collected;
   std::string authorityFolder = DevServer::DefaultAuthorityFolder();
   int port = 0;
+  bool isTls13Only = false;
 };
 
 bool UseIdentity(SSL_CTX& context, const DevServer::Identity& identity) {
@@ -71,8 +72,10 @@ void WaitForSignal(const sigset_t& signals) {
 int Run(const Options& options, const sigset_t& signals) {
   const DevServer::AuthorityFolder folder(options.authorityFolder);
   const DevServer::Identity identity = DevServer::MakeServerIdentity(folder.authority);
-  httplib::SSLServer server(
-      [&identity](SSL_CTX& context) { return UseIdentity(context, identity); });
+  httplib::SSLServer server([&](SSL_CTX& context) {
+    if (options.isTls13Only) SSL_CTX_set_min_proto_version(&context, TLS1_3_VERSION);
+    return UseIdentity(context, identity);
+  });
   if (!server.is_valid()) throw std::runtime_error("the certificate cannot be used");
   constexpr std::size_t kClientsAtOnce = 128;
   server.new_task_queue = [] { return new httplib::ThreadPool(kClientsAtOnce); };
@@ -110,6 +113,7 @@ int main(int argc, char** argv) {
   app.add_option("--port", options.port, "port on 127.0.0.1; any free one unless given");
   app.add_option("--collect", options.collected, "file for what POST brings, as JSON lines");
   app.add_option("--authority", options.authorityFolder, "folder of the certificate authority");
+  app.add_flag("--tls13", options.isTls13Only, "speak no older TLS");
   try {
     app.parse(argc, argv);
     return Run(options, signals);

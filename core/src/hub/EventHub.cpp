@@ -9,6 +9,8 @@
 #include "VelmoraCore/Log.h"
 #include "VelmoraCore/TryCatch.h"
 #include "base/LeftoverThreads.h"
+#include "base/LogText.h"
+#include "base/SystemClock.h"
 #include "hub/EventRules.h"
 
 namespace Velmora {
@@ -18,6 +20,7 @@ constexpr const char* kLogTag = "EventHub";
 constexpr const char* kSourceLocation = "src/hub/EventHub";
 constexpr const char* kHubThreadName = "VelmoraEventHub";
 constexpr const char* kCallbackThreadName = "VelmoraCallback";
+constexpr const char* kClockThreadName = "VelmoraClock";
 
 std::chrono::steady_clock::time_point DeadlineAfter(std::chrono::milliseconds timeout) {
   // Longer waits could not be told apart, and would overflow the clock.
@@ -26,20 +29,12 @@ std::chrono::steady_clock::time_point DeadlineAfter(std::chrono::milliseconds ti
          std::clamp(timeout, std::chrono::milliseconds::zero(), kLongest);
 }
 
-// An event's name is anybody's text; a log line is one line.
-std::string Readable(const std::string& text) {
-  std::string readable = text.substr(0, EventRules::kMaxNameLength);
-  std::replace_if(
-      readable.begin(), readable.end(),
-      [](char byte) { return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F; }, '?');
-  return readable;
-}
-
 void TraceEvent(const Event& event) {
   if (!Log::Precheck(LoggingMode::Trace)) return;
   Log::Trace(kLogTag, "event %lld: type %s, source %s, name \"%s\"",
              static_cast<long long>(event.GetNumber()), event.GetType().c_str(),
-             event.GetSource().c_str(), Readable(event.GetName()).c_str());
+             event.GetSource().c_str(),
+             LogText::Readable(event.GetName(), EventRules::kMaxNameLength).c_str());
 }
 
 SdkError Disposed(int line) {
@@ -50,6 +45,13 @@ SdkError Disposed(int line) {
 SdkError NameIsTaken(const std::string& name, int line) {
   return {ErrorCodes::kExternalModuleDuplicateModuleName, "there is a module of this name: " + name,
           DebugInfo(kSourceLocation, line)};
+}
+
+void NameThisThread(const PlatformServicesInterface& services, const std::string& name) {
+  TrySwallow([&] {
+    const std::shared_ptr<SystemInfoServiceInterface> info = services.GetSystemInfoService();
+    if (info != nullptr) info->SetCurrentThreadName(name);
+  });
 }
 
 void CallGuarded(const std::function<void()>& callback) {
@@ -75,7 +77,8 @@ std::string NameOf(ExternalModuleInterface& module) {
 
 std::string VersionOf(ExternalModuleInterface& module) {
   std::string version;
-  TrySwallow([&] { version = Readable(module.GetModuleVersion()); });
+  TrySwallow(
+      [&] { version = LogText::Readable(module.GetModuleVersion(), EventRules::kMaxNameLength); });
   return version;
 }
 
@@ -88,6 +91,9 @@ class EventHub::ModuleContext final : public HubContext {
   void Listen(const std::string& type, const std::string& source, Handler handler) override {
     hub_.ownListeners_[ExternalModuleHost::Topic(type, source)].push_back(
         {name_, std::move(handler)});
+  }
+  void ListenToAll(Handler handler) override {
+    hub_.ownWildcardListeners_.push_back({name_, std::move(handler)});
   }
   void Dispatch(std::shared_ptr<Event> event) override {
     hub_.PostFromInside(std::move(event), "");
@@ -107,6 +113,7 @@ class EventHub::ModuleContext final : public HubContext {
     return hub_.EventHub::GetSharedState(owner, event);
   }
   PlatformServicesInterface& Services() override { return *hub_.services_; }
+  Clock& GetClock() override { return *hub_.clock_; }
 
  private:
   EventHub& hub_;
@@ -114,9 +121,9 @@ class EventHub::ModuleContext final : public HubContext {
 };
 
 std::shared_ptr<EventHub> EventHub::Create(std::shared_ptr<PlatformServicesInterface> services,
-                                           EventHubLimits limits) {
+                                           EventHubLimits limits, std::shared_ptr<Clock> clock) {
   // The hub's threads own the hub as well; the handle given out ends them, and with them the hub.
-  auto hub = std::make_shared<EventHub>(std::move(services), limits);
+  auto hub = std::make_shared<EventHub>(std::move(services), limits, std::move(clock));
   EventHub* const target = hub.get();
   return {target, [hub = std::move(hub)](EventHub*) mutable {
             hub->Dispose(std::chrono::milliseconds::zero());
@@ -126,9 +133,14 @@ std::shared_ptr<EventHub> EventHub::Create(std::shared_ptr<PlatformServicesInter
           }};
 }
 
-EventHub::EventHub(std::shared_ptr<PlatformServicesInterface> services, EventHubLimits limits)
+EventHub::EventHub(std::shared_ptr<PlatformServicesInterface> services, EventHubLimits limits,
+                   std::shared_ptr<Clock> clock)
     : services_(std::move(services)),
       limits_(limits),
+      clock_(clock != nullptr ? std::move(clock)
+                              : std::make_shared<SystemClock>([services = services_] {
+                                  NameThisThread(*services, kClockThreadName);
+                                })),
       responseWaiters_(limits.responseWaiters),
       callbacks_(limits.callbacks),
       queue_(limits.events, limits.requests) {}
@@ -166,12 +178,7 @@ void EventHub::Start() {
   });
 }
 
-void EventHub::NameThread(const std::string& name) const {
-  TrySwallow([&] {
-    const std::shared_ptr<SystemInfoServiceInterface> info = services_->GetSystemInfoService();
-    if (info != nullptr) info->SetCurrentThreadName(name);
-  });
-}
+void EventHub::NameThread(const std::string& name) const { NameThisThread(*services_, name); }
 
 std::optional<SdkError> EventHub::Dispatch(const std::shared_ptr<Event>& event,
                                            ResponseWaiters::Callback onResponse) {
@@ -256,11 +263,14 @@ void EventHub::TellOfFirstEvent(const std::shared_ptr<Event>& event) {
 }
 
 void EventHub::TellOwnModules(const std::string& topic, const std::shared_ptr<Event>& event) const {
+  const auto tell = [&event](const std::vector<OwnListener>& listeners) {
+    for (const OwnListener& listener : listeners) {
+      CallModule(listener.module, *event, [&] { listener.handler(event); });
+    }
+  };
   const auto listeners = ownListeners_.find(topic);
-  if (listeners == ownListeners_.end()) return;
-  for (const OwnListener& listener : listeners->second) {
-    CallModule(listener.module, *event, [&] { listener.handler(event); });
-  }
+  if (listeners != ownListeners_.end()) tell(listeners->second);
+  tell(ownWildcardListeners_);
 }
 
 void EventHub::CallWhenModulesAreRegistered(const std::function<void()>& callback) {
@@ -382,6 +392,7 @@ void EventHub::Dispose(std::chrono::milliseconds timeout) {
   if (isStarted_) queue_.WaitUntilIdle(deadline);
   const std::size_t events = queue_.Stop();
   queue_.Join();
+  clock_->Stop();
   const ModuleRegistry::Hosts hosts = modules_.All();
   for (const auto& host : hosts) host->WaitUntilIdle(deadline);
   std::size_t moduleEvents = 0;

@@ -15,6 +15,7 @@
 #include "VelmoraCore/ExternalModuleInterface.h"
 #include "VelmoraCore/PlatformServicesInterface.h"
 #include "VelmoraCore/SdkError.h"
+#include "base/Clock.h"
 #include "hub/HubModule.h"
 #include "hub/ModuleRegistry.h"
 #include "hub/ResponseWaiters.h"
@@ -37,8 +38,9 @@ struct EventHubLimits {
 //
 // Threads: "VelmoraEventHub" handles the events and runs the core's own modules; every external
 // module has a thread named after it (see ExternalModuleHost); "VelmoraCallback" calls the
-// functions that callers passed in. Every operation may be called on any thread, these included,
-// and returns at once, save Dispose. No lock is held while calling out. Locks are taken in this
+// functions that callers passed in; "VelmoraClock" waits for the times that modules ask for. Every
+// operation may be called on any thread, these included, and returns at once, save Dispose. No lock
+// is held while calling out. Locks are taken in this
 // order: a module's, then a queue's or that of the shared states.
 //
 // What types, sources, data and module names must look like stands in EventRules. Refusals that the
@@ -48,11 +50,14 @@ struct EventHubLimits {
 // which its owner does not hear.
 class EventHub : public std::enable_shared_from_this<EventHub> {
  public:
-  // The last owner of what Create returns disposes the hub, waiting for no event.
+  // The last owner of what Create returns disposes the hub, waiting for no event. Without a `clock`
+  // the hub's modules have the system's.
   static std::shared_ptr<EventHub> Create(std::shared_ptr<PlatformServicesInterface> services,
-                                          EventHubLimits limits = {});
+                                          EventHubLimits limits = {},
+                                          std::shared_ptr<Clock> clock = nullptr);
 
-  EventHub(std::shared_ptr<PlatformServicesInterface> services, EventHubLimits limits);
+  EventHub(std::shared_ptr<PlatformServicesInterface> services, EventHubLimits limits,
+           std::shared_ptr<Clock> clock);
   EventHub(const EventHub&) = delete;
   EventHub& operator=(const EventHub&) = delete;
 
@@ -151,6 +156,7 @@ class EventHub : public std::enable_shared_from_this<EventHub> {
 
   const std::shared_ptr<PlatformServicesInterface> services_;
   const EventHubLimits limits_;
+  const std::shared_ptr<Clock> clock_;
   std::atomic<bool> isStarted_{false};
   std::atomic<bool> isDisposed_{false};
 
@@ -159,6 +165,7 @@ class EventHub : public std::enable_shared_from_this<EventHub> {
   ModuleRegistry modules_;
   std::vector<OwnModule> ownModules_;
   std::unordered_map<std::string, std::vector<OwnListener>> ownListeners_;  // by topic
+  std::vector<OwnListener> ownWildcardListeners_;
   std::int64_t lastNumber_ = 0;  // for the hub's thread only
 
   CallbackQueue callbacks_;

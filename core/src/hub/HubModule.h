@@ -6,6 +6,7 @@
 
 #include "VelmoraCore/Event.h"
 #include "VelmoraCore/PlatformServicesInterface.h"
+#include "base/Clock.h"
 
 namespace Velmora {
 
@@ -20,6 +21,9 @@ class HubContext {
   // `handler` is called on the hub's thread with every event of this type and source. To be called
   // in HubModule::Attach only.
   virtual void Listen(const std::string& type, const std::string& source, Handler handler) = 0;
+
+  // The same with every event there is, after those who listen to its type and source.
+  virtual void ListenToAll(Handler handler) = 0;
 
   // Puts an event in line behind those that wait. One that finds no room is dropped and counted; an
   // answer to a request may use the room kept for requests.
@@ -40,6 +44,10 @@ class HubContext {
       const std::string& owner, const std::shared_ptr<Event>& event) = 0;
 
   virtual PlatformServicesInterface& Services() = 0;
+
+  // Its actions come on a thread of its own and must bring their work home; none comes once the hub
+  // is disposed.
+  virtual Clock& GetClock() = 0;
 };
 
 // A module of the core's own. Owned by the hub. Attach is called on the thread that makes the core;

@@ -41,6 +41,10 @@ class QEXCORE_API FileManager {
   // What lies at `path`: Missing also where it cannot be reached.
   virtual FileType TypeOfItem(const std::string& path) const = 0;
 
+  // True when both paths lead to one and the same item, by whatever links; false when either is
+  // missing.
+  virtual bool IsSameItem(const std::string& path, const std::string& other) const = 0;
+
   virtual bool IsWritable(const std::string& path) const = 0;
 
   // Makes the directory and every missing parent. Succeeds when it is already there.
@@ -60,7 +64,8 @@ class QEXCORE_API FileManager {
   // Nothing for a missing item.
   virtual std::optional<FileAttributes> AttributesOfItem(const std::string& path) const = 0;
 
-  // The whole regular file as text. Fails for one that is not UTF-8 and for one beyond 256 MiB.
+  // The whole regular file as text. Fails for one that is not UTF-8 and for one beyond 512 MiB,
+  // as much as a response may bring.
   virtual std::optional<std::string> ReadText(const std::string& path, Error* error) const = 0;
 
   // Makes an empty file, or empties the one that is there.

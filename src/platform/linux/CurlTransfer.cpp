@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <new>
 #include <utility>
 
 #include <openssl/ssl.h>
@@ -184,13 +185,25 @@ void CurlTransfer::Complete(std::shared_ptr<const UrlResponse> response,
   }
 }
 
+void CurlTransfer::BeginResponse() {
+  body_.clear();
+  if (!IsCleartext()) return;
+  // Where the request went out in the clear, redirects may take it to https, but never back.
+  const char* url = nullptr;
+  ::curl_easy_getinfo(handle_.get(), CURLINFO_EFFECTIVE_URL, &url);
+  if (url != nullptr && IsCleartextUrl(url)) return;
+  if (::curl_easy_setopt(handle_.get(), CURLOPT_REDIR_PROTOCOLS_STR, "https") != CURLE_OK) {
+    throw std::bad_alloc();
+  }
+}
+
 std::size_t CurlTransfer::OnHeader(const char* bytes, std::size_t one, std::size_t count,
                                    CurlTransfer* transfer) noexcept {
   const std::size_t size = one * count;
   try {
     transfer->NoteActivity();
     const std::string_view line(bytes, size);
-    if (line.starts_with("HTTP/")) transfer->body_.clear();
+    if (line.starts_with("HTTP/")) transfer->BeginResponse();
     if (transfer->headers_.Add(line)) return size;
     transfer->refusal_ = MakeUrlError(UrlFailure::BadResponse, "The headers are too large.");
   } catch (const std::exception&) {  // no memory: libcurl ends the transfer

@@ -67,6 +67,7 @@ class CurlTransfer {
   void AddHeaderLine(const std::string& line);
   Error ErrorOf(CURLcode result, const std::string& trustFault) const;
   void Complete(std::shared_ptr<const UrlResponse> response, const Error& error) noexcept;
+  void BeginResponse();
   void NoteActivity() { lastActivity_ = Clock::now(); }
 
   static std::size_t OnHeader(const char* bytes, std::size_t one, std::size_t count,

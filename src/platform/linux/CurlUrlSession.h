@@ -24,6 +24,9 @@ struct CurlUrlSessionOptions {
 // Requests by libcurl, all of them on one thread named "QEXUrlSession", which starts with the first
 // request and is joined by the destructor. Certificate authorities are read once, for the first
 // request. Requests made in the child of a fork come to nothing.
+//
+// A body that came whole, but whose content coding ends too early, is delivered as far as libcurl
+// could undo it.
 class CurlUrlSession final : public UrlSession {
  public:
   explicit CurlUrlSession(CurlUrlSessionOptions options = {});

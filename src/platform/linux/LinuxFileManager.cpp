@@ -17,6 +17,7 @@
 #include <unistd.h>
 
 #include "QEXCore_iOS/Platform/Utf8.h"
+#include "platform/linux/DirectoryCreation.h"
 #include "platform/linux/FileDescriptor.h"
 #include "platform/linux/FileErrors.h"
 #include "platform/linux/FileReplacement.h"
@@ -52,6 +53,13 @@ FileDescriptor Open(const std::string& path, int flags) {
 bool IsDirectory(const FileDescriptor& file) {
   struct stat status {};
   return ::fstat(file.Number(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// Of what the path leads to; nothing where it cannot be asked for.
+std::optional<struct stat> StatusOf(const std::string& path) {
+  struct stat status {};
+  if (FaultOfPath(path) != 0 || ::stat(path.c_str(), &status) != 0) return std::nullopt;
+  return status;
 }
 
 FileType TypeOf(fs::file_type type) {
@@ -157,15 +165,22 @@ FileType LinuxFileManager::TypeOfItem(const std::string& path) const {
   return TypeOf(fs::status(path, error).type());
 }
 
+bool LinuxFileManager::IsSameItem(const std::string& path, const std::string& other) const {
+  const auto one = StatusOf(path);
+  if (!one) return false;
+  const auto two = StatusOf(other);
+  return two && one->st_dev == two->st_dev && one->st_ino == two->st_ino;
+}
+
 bool LinuxFileManager::IsWritable(const std::string& path) const {
   return FaultOfPath(path) == 0 && ::access(path.c_str(), W_OK) == 0;
 }
 
 bool LinuxFileManager::CreateDirectory(const std::string& path, Error* error) {
-  std::error_code failure(FaultOfPath(path), std::generic_category());
-  if (!failure) fs::create_directories(path, failure);
-  if (!failure) return true;
-  WriteFileError(error, "create the directory", path, failure.value());
+  int failure = FaultOfPath(path);
+  if (failure == 0) failure = CreateDirectories(path, 0777);
+  if (failure == 0) return true;
+  WriteFileError(error, "create the directory", path, failure);
   return false;
 }
 
@@ -191,28 +206,28 @@ std::vector<DirectoryEntry> LinuxFileManager::ContentsOfDirectory(const std::str
 }
 
 std::optional<FileAttributes> LinuxFileManager::AttributesOfItem(const std::string& path) const {
-  struct stat status {};
-  if (FaultOfPath(path) != 0 || ::stat(path.c_str(), &status) != 0) return std::nullopt;
+  const auto status = StatusOf(path);
+  if (!status) return std::nullopt;
   // The clock reaches from 1677 to 2262, file systems farther.
   constexpr std::int64_t kFarthest =
       std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::duration::max()).count();
   const auto sinceEpoch = std::chrono::seconds(std::clamp<std::int64_t>(
-                              status.st_mtim.tv_sec, -kFarthest + 1, kFarthest - 1)) +
-                          std::chrono::nanoseconds(status.st_mtim.tv_nsec);
+                              status->st_mtim.tv_sec, -kFarthest + 1, kFarthest - 1)) +
+                          std::chrono::nanoseconds(status->st_mtim.tv_nsec);
   return FileAttributes{
-      .size = status.st_size,
+      .size = status->st_size,
       .modified = std::chrono::system_clock::time_point(
           std::chrono::duration_cast<std::chrono::system_clock::duration>(sinceEpoch))};
 }
 
 std::optional<std::string> LinuxFileManager::ReadText(const std::string& path, Error* error) const {
-  constexpr std::size_t kLargestText = std::size_t{256} << 20;
+  constexpr std::size_t kLargestText = std::size_t{512} << 20;
   constexpr const char* kAction = "read the file";
   const FileDescriptor file = Open(path, O_RDONLY);
   std::string text;
   const int failure = file.IsOpen() ? ReadAll(file, kLargestText, text) : errno;
   if (failure == EFBIG) {
-    WriteFileError(error, kAction, path, failure, "It is larger than 256 MiB");
+    WriteFileError(error, kAction, path, failure, "It is larger than 512 MiB");
   } else if (failure == ENOTSUP) {
     WriteFileError(error, kAction, path, failure, "It is no regular file");
   } else if (failure != 0) {

@@ -9,11 +9,13 @@
 
 namespace Platform {
 
-// Files on POSIX. Errors have the domain "platform.files" and the errno value as their code.
+// Files on POSIX. Errors have the domain "platform.files" and the errno value as their code. Child
+// processes inherit nothing that is open here.
 class LinuxFileManager final : public FileManager {
  public:
   std::string CurrentDirectoryPath() const override;
   FileType TypeOfItem(const std::string& path) const override;
+  bool IsSameItem(const std::string& path, const std::string& other) const override;
   bool IsWritable(const std::string& path) const override;
   bool CreateDirectory(const std::string& path, Error* error) override;
 

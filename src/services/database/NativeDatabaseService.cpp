@@ -26,7 +26,18 @@ bool RemoveFile(const std::string& path) {
     case Platform::FileType::Other:
       break;
   }
-  return files->RemoveItem(path, nullptr);
+  return files->RemoveFileOrEmptyDirectory(path, nullptr);
+}
+
+// False as well when the device throws, be it against its promise: of a deletion that failed the
+// core hears nothing more.
+bool RemoveDatabaseFile(const SystemInfoServiceInterface& systemInfo,
+                        const std::string& name) noexcept {
+  try {
+    return RemoveFile(PathIn(systemInfo.GetApplicationCacheDir(), name));
+  } catch (...) {
+    return false;
+  }
 }
 
 }  // namespace
@@ -55,8 +66,7 @@ bool NativeDatabaseService::DeleteDatabase(const std::string& name) {
   const std::lock_guard lock(mutex_);
   const auto open = databases_.find(RemoveRelativePathComponent(name));
   if (open == databases_.end()) return false;
-  const bool removed =
-      RemoveFile(PathIn(systemInfoService_->GetApplicationCacheDir(), open->first));
+  const bool removed = RemoveDatabaseFile(*systemInfoService_, open->first);
   databases_.erase(open);
   return removed;
 }

@@ -25,8 +25,8 @@ class NativeDatabaseService final : public Object, public virtual DatabaseServic
   std::shared_ptr<DatabaseInterface> OpenDatabase(const std::string& name) override;
 
   // Only databases that this service has open can be deleted, and only a file is removed, never a
-  // directory that has come into its place. The database is let go of even where nothing could be
-  // removed; whoever still holds it may go on using it.
+  // directory that has come into its place. False whatever fails. The database is let go of even
+  // where nothing could be removed; whoever still holds it may go on using it.
   bool DeleteDatabase(const std::string& name) override;
 
   // The name as that of a file in the cache directory, without a way out of it.

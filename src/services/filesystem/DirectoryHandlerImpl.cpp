@@ -17,10 +17,6 @@ bool EnsureDirectoryExists(const std::string& path) {
   return fileManager->CreateDirectory(path, nullptr);
 }
 
-std::string PathBelow(const std::string& path, const std::string& name) {
-  return PathText::Standardize(PathText::Append(path, name));
-}
-
 }  // namespace
 
 DirectoryHandlerImpl::DirectoryHandlerImpl(std::string path) : path_(std::move(path)) {}
@@ -28,21 +24,21 @@ DirectoryHandlerImpl::DirectoryHandlerImpl(std::string path) : path_(std::move(p
 std::string DirectoryHandlerImpl::GetPath() { return path_; }
 
 bool DirectoryHandlerImpl::MoveToSubDirectory(const std::string& name, bool create) {
-  std::string newPath = PathBelow(path_, name);
+  std::string newPath = PathText::Below(path_, name);
   if (create && !EnsureDirectoryExists(newPath)) return false;
   path_ = std::move(newPath);
   return true;
 }
 
 bool DirectoryHandlerImpl::MoveToParentDirectory() {
-  path_ = PathBelow(path_, "..");
+  path_ = PathText::Below(path_, "..");
   return true;
 }
 
 std::shared_ptr<FileHandlerInterface> DirectoryHandlerImpl::CreateFileHandlerInDirectory(
     const std::string& name) {
-  const std::string filePath = PathBelow(path_, name);
-  if (!EnsureDirectoryExists(PathBelow(filePath, ".."))) return nullptr;
+  const std::string filePath = PathText::Below(path_, name);
+  if (!EnsureDirectoryExists(PathText::Below(filePath, ".."))) return nullptr;
   return CreateNativeFileHandler(filePath);
 }
 

@@ -36,6 +36,10 @@ std::string Append(std::string_view path, std::string_view component) {
   return joined;
 }
 
+std::string Below(std::string_view path, std::string_view name) {
+  return Standardize(Append(path, name));
+}
+
 std::string Standardize(std::string_view path) {
   std::vector<std::string_view> kept;
   for (std::string_view rest = path; !rest.empty();) {

@@ -10,6 +10,9 @@ namespace Velmora::PathText {
 // left at the end. An empty component adds nothing.
 std::string Append(std::string_view path, std::string_view component);
 
+// The folded path of `name`, seen from `path`.
+std::string Below(std::string_view path, std::string_view name);
+
 // Folds "." and ".." components and runs of "/". ".." at the root is dropped, ".." at the start of
 // a relative path stays; a relative path of which nothing is left becomes ".". Links are not known
 // here: "a/.." is always ".".

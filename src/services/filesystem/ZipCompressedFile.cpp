@@ -2,7 +2,8 @@
 
 #include <array>
 
-#include "VelmoraCore/DirectoryHandlerInterface.h"
+#include "QEXCore_iOS/Platform/Host.h"
+#include "services/filesystem/PathText.h"
 #include "services/filesystem/ZipDescriptions.h"
 #include "services/filesystem/ZipErrors.h"
 
@@ -19,8 +20,7 @@ constexpr std::uint16_t kDeflated64 = 9;
 
 constexpr std::uint32_t kZip64Marker = 0xFFFFFFFF;
 
-template <class Header>
-bool IsEmpty(const Header& header) {
+bool IsEmpty(const ZipEntryHeader& header) {
   return header.compressedSize == 0 && header.uncompressedSize == 0 && header.crc == 0;
 }
 
@@ -32,7 +32,8 @@ bool NeedsZip64(const ZipCentralHeader& header) {
 }  // namespace
 
 ZipCompressedFile::ZipCompressedFile(ZipReader& reader, std::uint64_t headerOffset)
-    : archive_(reader.File()),
+    : archivePath_(reader.Path()),
+      archive_(reader.File()),
       headerOffset_(headerOffset),
       central_(ZipRecords::ReadCentralHeader(reader, headerOffset)),
       local_(ZipRecords::ReadLocalHeader(reader, central_.localHeaderOffset)),
@@ -49,9 +50,7 @@ void ZipCompressedFile::ExtractFile(const std::string& destination) const {
     if (!directory->MoveToSubDirectory(Name(), true)) throw ZipErrors::CannotWrite(Name());
     return;
   }
-  const auto file = directory->CreateFileHandlerInDirectory(Name());
-  if (!file || !file->OpenForWriting()) throw ZipErrors::CannotWrite(Name());
-
+  const auto file = OpenOutput(*directory);
   const auto decoder = MakeDecoder();
   if (!decoder) throw ZipErrors::CannotDecompress();
   if (!decoder->Initialize()) throw ZipErrors::CannotInitialize();
@@ -61,6 +60,8 @@ void ZipCompressedFile::ExtractFile(const std::string& destination) const {
   if (!decoder->Finalize()) throw ZipErrors::CannotFinalize();
   if (output.Count() != UncompressedSize()) throw ZipErrors::SizeMismatch(Name());
   if (output.Crc() != central_.crc) throw ZipErrors::ChecksumMismatch(Name());
+  // Some devices tell only now that they have lost what they took.
+  if (!file->Close()) throw ZipErrors::CannotFinalize();
 }
 
 bool ZipCompressedFile::IsDirectory() const {
@@ -101,6 +102,17 @@ void ZipCompressedFile::CompareHeaders() const {
   if (central_.flags != local_.flags) {
     throw ZipErrors::Corrupted("File header mismatch: FLAGS");
   }
+}
+
+std::shared_ptr<FileHandlerInterface> ZipCompressedFile::OpenOutput(
+    DirectoryHandlerInterface& directory) const {
+  const auto file = directory.CreateFileHandlerInDirectory(Name());
+  const auto isArchive = [&] {
+    return Platform::Host::Current()->fileManager->IsSameItem(
+        PathText::Below(directory.GetPath(), Name()), archivePath_);
+  };
+  if (!file || isArchive() || !file->OpenForWriting()) throw ZipErrors::CannotWrite(Name());
+  return file;
 }
 
 std::shared_ptr<StreamDecoderInterface> ZipCompressedFile::MakeDecoder() const {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "VelmoraCore/DirectoryHandlerInterface.h"
 #include "VelmoraCore/StreamDecoderInterface.h"
 #include "services/filesystem/ZipEntryOutput.h"
 #include "services/filesystem/ZipRecords.h"
@@ -25,7 +26,8 @@ class ZipCompressedFile {
   // the entry cannot be read, decoded or written, or when it is not what its header says; what was
   // written stays.
   //
-  // The name is used as it stands: nothing confines it to the destination.
+  // The name is used as it stands: nothing confines it to the destination. One that leads to the
+  // archive itself, by whatever links, counts as a file that cannot be opened for writing.
   void ExtractFile(const std::string& destination) const;
 
   // What the headers say. Texts are bytes, of whatever encoding.
@@ -59,9 +61,11 @@ class ZipCompressedFile {
 
  private:
   void CompareHeaders() const;
+  std::shared_ptr<FileHandlerInterface> OpenOutput(DirectoryHandlerInterface& directory) const;
   std::shared_ptr<StreamDecoderInterface> MakeDecoder() const;
   void Decode(StreamDecoderInterface& decoder, ZipEntryOutput& output) const;
 
+  std::string archivePath_;
   std::shared_ptr<FileHandlerInterface> archive_;
   std::uint64_t headerOffset_;
   ZipCentralHeader central_;

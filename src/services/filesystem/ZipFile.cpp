@@ -18,7 +18,7 @@ ZipReader ZipFile::Open(const std::string& path) {
   auto file = CreateNativeFileHandler(path);
   const std::int64_t size = file->Size();
   if (size > kLargestArchive || !file->OpenForReading()) throw ZipErrors::CannotOpen();
-  return {std::move(file), static_cast<std::uint64_t>(size)};
+  return {path, std::move(file), static_cast<std::uint64_t>(size)};
 }
 
 void ZipFile::RefuseUnsupported() const {

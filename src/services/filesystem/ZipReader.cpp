@@ -25,8 +25,9 @@ std::span<const std::uint8_t> ZipNumbers::Take(std::size_t count) {
   return taken;
 }
 
-ZipReader::ZipReader(std::shared_ptr<FileHandlerInterface> file, std::uint64_t size)
-    : file_(std::move(file)), size_(size) {}
+ZipReader::ZipReader(std::string path, std::shared_ptr<FileHandlerInterface> file,
+                     std::uint64_t size)
+    : path_(std::move(path)), file_(std::move(file)), size_(size) {}
 
 void ZipReader::Read(std::uint64_t offset, std::span<std::uint8_t> bytes) {
   if (!Holds(offset, bytes.size()) || !file_->MoveToOffset(offset)) throw ZipErrors::CannotRead();

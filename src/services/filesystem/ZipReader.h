@@ -29,9 +29,10 @@ class ZipNumbers {
 // Reads an open archive at any place, never beyond its end. Belongs to one caller at a time.
 class ZipReader {
  public:
-  // `file` is open for reading and holds `size` bytes.
-  ZipReader(std::shared_ptr<FileHandlerInterface> file, std::uint64_t size);
+  // `file`, which lies at `path`, is open for reading and holds `size` bytes.
+  ZipReader(std::string path, std::shared_ptr<FileHandlerInterface> file, std::uint64_t size);
 
+  const std::string& Path() const { return path_; }
   std::uint64_t Size() const { return size_; }
 
   // Exactly as many bytes as `bytes` has room for. Throws when the file holds fewer, or when the
@@ -52,6 +53,7 @@ class ZipReader {
     return offset <= size_ && count <= size_ - offset;
   }
 
+  const std::string path_;
   const std::shared_ptr<FileHandlerInterface> file_;
   const std::uint64_t size_;
   std::vector<std::uint8_t> directory_;  // what was read along, from directoryStart_ on

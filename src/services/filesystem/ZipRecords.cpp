@@ -28,6 +28,28 @@ std::uint64_t FindEndRecord(ZipReader& reader) {
   }
 }
 
+// The lengths of the texts behind the fixed part of both headers.
+struct TextLengths {
+  std::size_t name = 0;
+  std::size_t extraField = 0;
+};
+
+// The numbers that stand in both headers, in the same order.
+TextLengths ReadSharedNumbers(ZipNumbers& numbers, ZipEntryHeader& header) {
+  header.versionNeeded = numbers.Next16();
+  header.flags = numbers.Next16();
+  header.method = numbers.Next16();
+  header.time = numbers.Next16();
+  header.date = numbers.Next16();
+  header.crc = numbers.Next32();
+  header.compressedSize = numbers.Next32();
+  header.uncompressedSize = numbers.Next32();
+  TextLengths lengths;
+  lengths.name = numbers.Next16();
+  lengths.extraField = numbers.Next16();
+  return lengths;
+}
+
 std::string TakeText(std::span<const std::uint8_t>& bytes, std::size_t count) {
   const auto taken = bytes.first(count);
   bytes = bytes.subspan(count);
@@ -61,25 +83,16 @@ ZipCentralHeader ReadCentralHeader(ZipReader& reader, std::uint64_t offset) {
   }
   ZipCentralHeader header;
   header.versionMadeBy = numbers.Next16();
-  header.versionNeeded = numbers.Next16();
-  header.flags = numbers.Next16();
-  header.method = numbers.Next16();
-  header.time = numbers.Next16();
-  header.date = numbers.Next16();
-  header.crc = numbers.Next32();
-  header.compressedSize = numbers.Next32();
-  header.uncompressedSize = numbers.Next32();
-  const std::size_t nameLength = numbers.Next16();
-  const std::size_t extraLength = numbers.Next16();
+  const TextLengths lengths = ReadSharedNumbers(numbers, header);
   const std::size_t commentLength = numbers.Next16();
   header.diskNumberStart = numbers.Next16();
   header.internalAttributes = numbers.Next16();
   header.externalAttributes = numbers.Next32();
   header.localHeaderOffset = numbers.Next32();
   auto texts = reader.ReadDirectory(offset + ZipCentralHeader::kFixedSize,
-                                    nameLength + extraLength + commentLength);
-  header.name = TakeText(texts, nameLength);
-  header.extraField = TakeText(texts, extraLength);
+                                    lengths.name + lengths.extraField + commentLength);
+  header.name = TakeText(texts, lengths.name);
+  header.extraField = TakeText(texts, lengths.extraField);
   header.comment = TakeText(texts, commentLength);
   return header;
 }
@@ -92,18 +105,10 @@ ZipLocalHeader ReadLocalHeader(ZipReader& reader, std::uint64_t offset) {
     throw ZipErrors::Corrupted("Local file header not found");
   }
   ZipLocalHeader header;
-  header.versionNeeded = numbers.Next16();
-  header.flags = numbers.Next16();
-  header.method = numbers.Next16();
-  header.time = numbers.Next16();
-  header.date = numbers.Next16();
-  header.crc = numbers.Next32();
-  header.compressedSize = numbers.Next32();
-  header.uncompressedSize = numbers.Next32();
-  const std::size_t nameLength = numbers.Next16();
-  const std::size_t extraLength = numbers.Next16();
-  header.name = reader.ReadText(offset + bytes.size(), nameLength);
-  header.extraField = reader.ReadText(offset + bytes.size() + nameLength, extraLength);
+  const TextLengths lengths = ReadSharedNumbers(numbers, header);
+  const std::uint64_t texts = offset + bytes.size();
+  header.name = reader.ReadText(texts, lengths.name);
+  header.extraField = reader.ReadText(texts + lengths.name, lengths.extraField);
   return header;
 }
 

@@ -23,12 +23,8 @@ struct ZipEndRecord {
   std::string comment;
 };
 
-// An entry as the central directory describes it.
-struct ZipCentralHeader {
-  static constexpr std::uint32_t kSignature = 0x02014b50;
-  static constexpr std::size_t kFixedSize = 46;
-
-  std::uint16_t versionMadeBy = 0;
+// What both headers of an entry say about it, each for itself.
+struct ZipEntryHeader {
   std::uint16_t versionNeeded = 0;
   std::uint16_t flags = 0;
   std::uint16_t method = 0;
@@ -37,12 +33,20 @@ struct ZipCentralHeader {
   std::uint32_t crc = 0;
   std::uint32_t compressedSize = 0;
   std::uint32_t uncompressedSize = 0;
+  std::string name;
+  std::string extraField;
+};
+
+// An entry as the central directory describes it.
+struct ZipCentralHeader : ZipEntryHeader {
+  static constexpr std::uint32_t kSignature = 0x02014b50;
+  static constexpr std::size_t kFixedSize = 46;
+
+  std::uint16_t versionMadeBy = 0;
   std::uint16_t diskNumberStart = 0;
   std::uint16_t internalAttributes = 0;
   std::uint32_t externalAttributes = 0;
   std::uint32_t localHeaderOffset = 0;
-  std::string name;
-  std::string extraField;
   std::string comment;
 
   // Bytes in the archive.
@@ -52,20 +56,9 @@ struct ZipCentralHeader {
 };
 
 // An entry as the header before its data describes it.
-struct ZipLocalHeader {
+struct ZipLocalHeader : ZipEntryHeader {
   static constexpr std::uint32_t kSignature = 0x04034b50;
   static constexpr std::size_t kFixedSize = 30;
-
-  std::uint16_t versionNeeded = 0;
-  std::uint16_t flags = 0;
-  std::uint16_t method = 0;
-  std::uint16_t time = 0;
-  std::uint16_t date = 0;
-  std::uint32_t crc = 0;
-  std::uint32_t compressedSize = 0;
-  std::uint32_t uncompressedSize = 0;
-  std::string name;
-  std::string extraField;
 
   std::uint64_t Length() const { return kFixedSize + name.size() + extraField.size(); }
 };

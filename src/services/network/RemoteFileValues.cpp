@@ -17,14 +17,22 @@
 namespace Velmora {
 namespace {
 
-// The number that the text begins with; 0 when it begins with none. Words for numbers are none.
+// The number that the text begins with, behind blanks; 0 when it begins with none. Words for
+// numbers are none.
 double LeadingNumber(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+  if (text.starts_with('+')) {
+    text.remove_prefix(1);
+    if (text.starts_with('-')) return 0;
+  }
   const std::string_view digits = text.substr(text.starts_with('-') ? 1 : 0);
   if (digits.empty() || digits.front() < '0' || digits.front() > '9') return 0;
   double number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error == std::errc::result_out_of_range) return std::numeric_limits<double>::max();
-  return number;
+  if (error != std::errc::result_out_of_range) return number;
+  const bool isTiny = std::string_view(text.data(), end).find('-', 1) != std::string_view::npos;
+  const double farthest = isTiny ? 0 : std::numeric_limits<double>::max();
+  return text.starts_with('-') ? -farthest : farthest;
 }
 
 bool CanStandInAHeader(std::string_view value) {

@@ -61,13 +61,14 @@ class Reader {
     return static_cast<unsigned>(found - names.begin());
   }
 
-  // A number of exactly so many digits.
-  int Number(std::size_t digits) {
+  // A number of exactly so many digits, or of fewer, but no less than `fewest`.
+  int Number(std::size_t digits) { return Number(digits, digits); }
+  int Number(std::size_t fewest, std::size_t most) {
     int number = 0;
-    const std::string_view text = rest_.substr(0, digits);
+    const std::string_view text = rest_.substr(0, most);
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc() || text.size() != digits || end != text.data() + digits ||
-        number < 0) {
+    const auto digits = static_cast<std::size_t>(end - text.data());
+    if (error != std::errc() || digits < fewest || number < 0) {
       fits_ = false;
       return 0;
     }
@@ -104,7 +105,7 @@ std::optional<std::int64_t> ParseRfc2822Date(std::string_view text) {
   Reader reader(text);
   reader.Name(kWeekdays);
   reader.Skip(", ");
-  const int dayNumber = reader.Number(2);
+  const int dayNumber = reader.Number(1, 2);
   reader.Skip(" ");
   const unsigned monthIndex = reader.Name(kMonths);
   reader.Skip(" ");

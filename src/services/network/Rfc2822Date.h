@@ -13,8 +13,8 @@ namespace Velmora {
 // not-a-number the start of 1970.
 std::string FormatRfc2822Date(double secondsSince1970);
 
-// Seconds since 1970. Nothing for any other form, and for a day or time that does not exist. Which
-// day of the week it names does not matter.
+// Seconds since 1970. The day may have one digit. Nothing for any other form, and for a day or time
+// that does not exist. Which day of the week it names does not matter.
 std::optional<std::int64_t> ParseRfc2822Date(std::string_view text);
 
 }  // namespace Velmora

@@ -79,6 +79,26 @@ TEST_F(ArchiveFaults, AnArchiveThatMayNotBeReadIsReported) {
             "compressed-file.read-failed: Failed to open zip file\n");
 }
 
+TEST_F(ArchiveFaults, AnArchiveThatShrinksEndsTheExtraction) {
+  const std::string path = folder_.WriteFile(
+      "a.zip",
+      ArchiveOf({StoredEntry("first", "1"), StoredEntry("large", RandomBytes(50'000'000))}));
+  Program worker({WORKER_PROGRAM, "again", path, folder_.PathOf("ours")}, folder_.Path());
+  std::error_code missing;
+  EXPECT_TRUE(TestSupport::WaitUntil([&] {
+    const auto size = fs::file_size(folder_.PathOf("ours/large"), missing);
+    return !missing && size > 0;
+  }));
+  fs::resize_file(path, 100'000);
+  EXPECT_EQ(worker.Wait(), 0);
+  // The second where it shrinks just as the worker opens it anew.
+  EXPECT_THAT(worker.Output(),
+              testing::AnyOf("compressed-file.read-failed: Failed to read zip file\n",
+                             "compressed-file.corrupted: File does not appear to be a zip file\n"));
+  EXPECT_EQ(fs::file_size(path), 100'000U);
+  EXPECT_EQ(Ours().at("first"), "1");
+}
+
 TEST_F(ArchiveFaults, AKilledProcessLeavesTheArchiveAndNothingInTheWay) {
   const std::string contents(20'000'000, 'x');
   const std::string archive =

@@ -10,13 +10,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using testing::StartsWith;
-
 // How an archive "a.zip" is made of the directory "tree".
 struct Tool {
   std::string name;
   std::string line;
 };
+
+constexpr const char* kCannotDecompress =
+    "compressed-file.decompression-failed: Failed to decompress zipped file";
 
 std::ostream& operator<<(std::ostream& out, const Tool& tool) { return out << tool.line; }
 
@@ -63,10 +64,8 @@ std::vector<Tool> Tools() {
                          ") as z:\n"
                          "  for place, _, names in os.walk(\"tree\"):\n"
                          "    for name in names: z.write(os.path.join(place, name))'"});
-  }
-  for (const char* level : {"0", "1", "3", "5", "7", "9"}) {
-    tools.push_back({std::string("SevenZipLevel") + level,
-                     std::string("cd tree; 7z a -tzip -mx=") + level + " ../a.zip . >../log"});
+    tools.push_back(
+        {"SevenZipLevel" + number, "cd tree; 7z a -tzip -mx=" + number + " ../a.zip . >../log"});
   }
   return tools;
 }
@@ -81,7 +80,8 @@ TEST_P(ArchivesOfTools, UnpackToTheSameBytesAsWithUnzip) {
 
 INSTANTIATE_TEST_SUITE_P(Matrix, ArchivesOfTools, testing::ValuesIn(Tools()), NameOf);
 
-// What the reader does not decode: the methods and the encryption that tools offer.
+// What the reader does not decode: the methods and the encryption that tools offer. Those that it
+// takes for deflated data are found out by the data.
 std::vector<Tool> ToolsOfOtherMethods() {
   return {
       {"SevenZipBzip2", "7z a -tzip -mm=BZip2 a.zip ./tree/zeros >log"},
@@ -94,7 +94,6 @@ std::vector<Tool> ToolsOfOtherMethods() {
       {"SevenZipAes", "7z a -tzip -psecret -mem=AES256 a.zip ./tree/zeros >log"},
       {"ZipBzip2", "zip -q -Z bzip2 a.zip tree/zeros"},
       {"ZipEncrypted", "zip -q -P secret a.zip tree/zeros"},
-      {"ZipEncryptedAndStored", "zip -q -0 -P secret a.zip tree/zeros"},
       {"PythonBzip2",
        "python3 -c 'import zipfile\n"
        "with zipfile.ZipFile(\"a.zip\", \"w\", zipfile.ZIP_BZIP2) as z: z.write(\"tree/zeros\")'"},
@@ -110,8 +109,8 @@ TEST_P(ArchivesOfOtherMethods, FailAtTheEntry) {
   MakeVariedTree(folder_.PathOf("tree"));
   RunShell(GetParam().line, folder_.Path());
   const std::string archive = TestSupport::ReadFileBytes(folder_.PathOf("a.zip"));
-  EXPECT_THAT(Extract(), StartsWith("compressed-file.decompression-failed: "));
-  EXPECT_EQ(TestSupport::ReadFileBytes(folder_.PathOf("a.zip")), archive);
+  EXPECT_EQ(Extract(), kCannotDecompress);
+  EXPECT_TRUE(TestSupport::ReadFileBytes(folder_.PathOf("a.zip")) == archive);
 }
 
 INSTANTIATE_TEST_SUITE_P(Matrix, ArchivesOfOtherMethods, testing::ValuesIn(ToolsOfOtherMethods()),
@@ -130,6 +129,13 @@ class ForeignArchives : public ArchiveFixture {
   }
 };
 
+TEST_F(ForeignArchives, ThatAreStoredAndEncryptedHaveAWrongSize) {
+  folder_.WriteFile("tree/a", "contents");
+  RunShell("zip -q -0 -P secret a.zip tree/a", folder_.Path());
+  EXPECT_EQ(Extract(),
+            "compressed-file.decompression-failed: Uncompressed file size mismatch for tree/a");
+}
+
 TEST_F(ForeignArchives, OfTenThousandEntriesUnpack) {
   MakeSmallFiles(10'000);
   ExpectSameAsUnzip();
@@ -137,23 +143,24 @@ TEST_F(ForeignArchives, OfTenThousandEntriesUnpack) {
 
 TEST_F(ForeignArchives, OfMoreEntriesAreRefused) {
   MakeSmallFiles(10'001);
-  EXPECT_THAT(Extract(), StartsWith("compressed-file.corrupted: "));
+  EXPECT_EQ(Extract(), "compressed-file.corrupted: Zip file has more than 10000 entries");
   EXPECT_FALSE(fs::exists(folder_.PathOf("ours")));
 }
 
 TEST_F(ForeignArchives, OfZip64AreRefused) {
+  const std::string refusal = "compressed-file.corrupted: ZIP64 files are not supported";
   MakeSmallFiles(65'536);
-  EXPECT_THAT(Extract(), StartsWith("compressed-file.corrupted: "));
+  EXPECT_EQ(Extract(), refusal);
   fs::remove(folder_.PathOf("a.zip"));
   folder_.WriteFile("tree/a", "contents");
   RunShell("zip -qr -fz a.zip tree", folder_.Path());
-  EXPECT_THAT(Extract(), StartsWith("compressed-file.corrupted: "));
+  EXPECT_EQ(Extract(), refusal);
 }
 
 TEST_F(ForeignArchives, OfSeveralDisksAreRefused) {
   folder_.WriteFile("tree/random", RandomBytes(300'000));
   RunShell("zip -qr -s 64k a.zip tree", folder_.Path());
-  EXPECT_THAT(Extract(), StartsWith("compressed-file.corrupted: "));
+  EXPECT_EQ(Extract(), "compressed-file.corrupted: Multi-disk zip files are not supported");
 }
 
 TEST_F(ForeignArchives, UnpackWithoutWhatOnlyTheirMakersNeed) {

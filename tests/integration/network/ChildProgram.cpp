@@ -32,6 +32,7 @@ ChildProgram::ChildProgram(std::vector<std::string> arguments, const std::string
 
 ChildProgram::~ChildProgram() {
   Signal(SIGTERM);
+  Signal(SIGCONT);  // one that was stopped hears the other only now
   Wait();
 }
 

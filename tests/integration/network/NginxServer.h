@@ -1,34 +1,41 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 
+#include "CaseAnswers.h"
+#include "CaseServer.h"
 #include "ChildProgram.h"
 #include "support/TemporaryDirectory.h"
 
-// nginx on 127.0.0.1, over TLS with a certificate of the tests' authority, with everything that it
-// writes in a folder of its own. It serves the files put into it, and "/moved" (301 to
-// "/hello.txt"), "/cleartext" (301 to http), "/none" (204) and "/broken" (500).
-class NginxServer {
+// nginx, with everything that it writes in a folder of its own.
+class NginxServer final : public CaseServer {
  public:
+  enum class Protocol { Http1, Http2 };
+
   // Waits until it answers. Throws std::runtime_error when it does not.
-  NginxServer();
+  explicit NginxServer(Protocol protocol);
 
-  // Over HTTP/2, or over HTTP/1.1.
-  std::string Url(const std::string& path) const { return Address(http2Port_) + path; }
-  std::string OldUrl(const std::string& path) const { return Address(http1Port_) + path; }
-
-  void PutFile(const std::string& name, const std::string& contents) const {
-    folder_.WriteFile("www/" + name, contents);
-  }
+  std::string Url(const std::string& path,
+                  ServerCertificate certificate = ServerCertificate::Trusted) const override;
+  void PutFile(const std::string& name, const std::string& contents) override;
+  void RemoveFile(const std::string& name) override;
+  int Hanging() const override { return answers_.Hanging(); }
+  std::string SilentUrl() override;
 
  private:
-  static std::string Address(int port) { return "https://127.0.0.1:" + std::to_string(port); }
-  std::string Configuration() const;
+  void WriteIdentities() const;
+  void Start();
   bool Answers() const;
+  std::string Configuration() const;
+  std::string ServerBlock(ServerCertificate certificate) const;
 
+  const Protocol protocol_;
   const TestSupport::TemporaryDirectory folder_;
-  int http2Port_ = 0;
-  int http1Port_ = 0;
+  CaseAnswers answers_;
+  const TestSupport::LoopbackServer behind_{{}, std::ref(answers_)};
+  std::map<ServerCertificate, int> ports_;
   std::unique_ptr<ChildProgram> program_;
+  std::unique_ptr<NginxServer> silent_;
 };

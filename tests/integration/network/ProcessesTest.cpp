@@ -32,6 +32,12 @@ class ProcessesTest : public testing::Test {
     return std::make_unique<ChildProgram>(all, "");
   }
 
+  // Named after the program, as its caches are.
+  std::string CacheFolder() const {
+    return home_.PathOf("cache/" + std::filesystem::path(WORKER_PROGRAM).filename().string() +
+                        "/krvdownloadcache");
+  }
+
   const TestSupport::TemporaryDirectory home_;
   const ScopedEnvironment trust_{"SSL_CERT_FILE", TrustedServer::AuthorityFile()};
   const ScopedEnvironment data_{"XDG_DATA_HOME", home_.PathOf("data")};
@@ -77,6 +83,27 @@ TEST_F(ProcessesTest, ShareACacheWithoutEverSeeingHalfAFile) {
   EXPECT_EQ(first->Wait(), 0);
   EXPECT_EQ(second->Wait(), 0);
   EXPECT_EQ(version, 200);
+}
+
+// What one of them is writing, the other does not delete before it has its name.
+TEST_F(ProcessesTest, PruneACacheThatAnotherOneDownloadsInto) {
+  std::atomic<int> version{0};
+  const TrustedServer server([&version](const WireRequest&, WireConnection& connection) {
+    connection.Respond(200, std::string(100'000, 'b'),
+                       {{"ETag", "\"" + std::to_string(++version) + "\""},
+                        {"Last-Modified", "Tue, 05 Mar 2024 10:20:30 GMT"}});
+  });
+  const std::string url = server.Url("/file");
+  const auto pruner = Start({"prune", url, "1000000000"});
+  for (int round = 1; round <= 25; ++round) {
+    EXPECT_EQ(Start({"download", url, "1"})->Wait(), 0);
+    const auto entries = std::filesystem::directory_iterator(CacheFolder());
+    EXPECT_EQ(std::distance(entries, {}), 1) << round;
+  }
+  EXPECT_EQ(version, 25);
+  EXPECT_FALSE(pruner->HasEnded());
+  pruner->Signal(SIGKILL);
+  EXPECT_EQ(pruner->Wait(), -SIGKILL);
 }
 
 TEST_F(ProcessesTest, LeaveWholeFilesWhenTheyAreKilled) {

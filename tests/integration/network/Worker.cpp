@@ -2,6 +2,7 @@
 //
 //   hang URL MILLISECONDS   starts 64 requests and returns from main so much later
 //   download URL TIMES      downloads a file into the cache, again and again
+//   prune URL TIMES         deletes everything else from the cache, again and again
 
 #include <chrono>
 #include <cstdlib>
@@ -31,10 +32,20 @@ int Hang(const std::string& url, int milliseconds) {
   return EXIT_SUCCESS;
 }
 
+std::shared_ptr<Velmora::RemoteFileManagerServiceInterface> Files() {
+  return Velmora::VelmoraCoreBridge::GetInstance()
+      ->GetPlatformServices()
+      ->GetRemoteFileManagerService();
+}
+
+int Prune(const std::string& url, int times) {
+  const auto files = Files();
+  for (int i = 0; i < times; ++i) files->DeleteCachedDataNotInList("", {url});
+  return EXIT_SUCCESS;
+}
+
 int Download(const std::string& url, int times) {
-  const auto files = Velmora::VelmoraCoreBridge::GetInstance()
-                         ->GetPlatformServices()
-                         ->GetRemoteFileManagerService();
+  const auto files = Files();
   for (int i = 0; i < times; ++i) {
     const auto result = files->GetFileSync(url, "");
     if (!result) return EXIT_FAILURE;
@@ -51,6 +62,7 @@ int main(int argc, char** argv) {
   const std::string work = argc == 4 ? argv[1] : "";
   if (work == "hang") return Hang(argv[2], std::atoi(argv[3]));
   if (work == "download") return Download(argv[2], std::atoi(argv[3]));
+  if (work == "prune") return Prune(argv[2], std::atoi(argv[3]));
   std::cerr << "what shall be done?\n";
   return EXIT_FAILURE;
 }

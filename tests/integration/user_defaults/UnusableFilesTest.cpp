@@ -1,20 +1,19 @@
 // What becomes of user defaults whose files are damaged, foreign, locked or out of reach.
 
 #include <atomic>
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include "Fixture.h"
 #include "RawDatabase.h"
 #include "WorkerProcess.h"
 #include "platform/linux/SqliteUserDefaultsGeneration.h"
+#include "support/FileSizeLimit.h"
 #include "support/WaitUntil.h"
 
 namespace {
@@ -27,6 +26,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
+using TestSupport::FileSizeLimit;
 using TestSupport::ReadFileBytes;
 
 constexpr std::chrono::milliseconds kShort = 50ms;
@@ -274,26 +274,6 @@ TEST_F(SqliteUserDefaultsUnusableFiles, AreWaitedForOnlySoLongToOpen) {
   }
   EXPECT_EQ(provider->Standard()->ObjectForKey("k"), Value(1));
 }
-
-// Lets no file of this process grow beyond a size, for as long as it lives.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) {
-    std::signal(SIGXFSZ, SIG_IGN);
-    ::getrlimit(RLIMIT_FSIZE, &former_);
-    const rlimit limit{bytes, former_.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() {
-    ::setrlimit(RLIMIT_FSIZE, &former_);
-    std::signal(SIGXFSZ, SIG_DFL);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  rlimit former_{};
-};
 
 TEST_F(SqliteUserDefaultsUnusableFiles, KeepWhatTheyHaveWhileThereIsNoRoomForMore) {
   const auto defaults = NewStandard();

@@ -25,6 +25,18 @@ void Require(bool succeeded, const char* what) {
   if (!succeeded) throw std::system_error(errno, std::generic_category(), what);
 }
 
+int ChooseHttp2(SSL* /*tls*/, const unsigned char** chosen, unsigned char* length,
+                const unsigned char* offered, unsigned int count, void* /*unused*/) {
+  static constexpr unsigned char kHttp2[] = {2, 'h', '2'};
+  unsigned char* found = nullptr;
+  if (::SSL_select_next_proto(&found, length, kHttp2, sizeof kHttp2, offered, count) !=
+      OPENSSL_NPN_NEGOTIATED) {
+    return SSL_TLSEXT_ERR_ALERT_FATAL;
+  }
+  *chosen = found;
+  return SSL_TLSEXT_ERR_OK;
+}
+
 SSL_CTX* MakeTlsContext(const DevServer::Identity& identity) {
   SSL_CTX* context = ::SSL_CTX_new(::TLS_server_method());
   BIO* certificate = ::BIO_new_mem_buf(identity.certificate.data(), -1);
@@ -93,7 +105,9 @@ class LoopbackServer::Connection final : public WireConnection {
     if (server_.options_.hangsAfterAccept) {
       WaitForClient();
     } else if (ShakeHands()) {
-      if (const auto request = ReadRequest()) server_.handler_(*request, *this);
+      const std::optional<WireRequest> request =
+          server_.options_.isHttp2 ? WireRequest() : ReadRequest();
+      if (request) server_.handler_(*request, *this);
       if (tls_ != nullptr && !isReset_) ::SSL_shutdown(tls_);
     }
     Stop();
@@ -125,6 +139,12 @@ class LoopbackServer::Connection final : public WireConnection {
     return true;
   }
 
+  std::string Receive() override {
+    std::string bytes;
+    ReceiveMore(bytes);
+    return bytes;
+  }
+
   bool Pause(std::chrono::milliseconds time) override {
     std::unique_lock lock(mutex_);
     return !stopped_.wait_for(lock, time, [this] { return isStopped_; });
@@ -152,7 +172,7 @@ class LoopbackServer::Connection final : public WireConnection {
     return ::SSL_accept(tls_) == 1;
   }
 
-  std::size_t Receive(char* buffer, std::size_t size) {
+  std::size_t ReceiveInto(char* buffer, std::size_t size) {
     if (tls_ != nullptr) {
       std::size_t count = 0;
       return ::SSL_read_ex(tls_, buffer, size, &count) == 1 ? count : 0;
@@ -182,7 +202,7 @@ class LoopbackServer::Connection final : public WireConnection {
 
   bool ReceiveMore(std::string& bytes) {
     char buffer[16384];
-    const std::size_t count = Receive(buffer, sizeof buffer);
+    const std::size_t count = ReceiveInto(buffer, sizeof buffer);
     bytes.append(buffer, count);
     return count > 0;
   }
@@ -204,6 +224,9 @@ void LoopbackServer::TlsRelease::operator()(void* context) const {
 LoopbackServer::LoopbackServer(Options options, Handler handler)
     : options_(std::move(options)), handler_(std::move(handler)) {
   if (options_.identity) tls_.reset(MakeTlsContext(*options_.identity));
+  if (tls_ && options_.isHttp2) {
+    ::SSL_CTX_set_alpn_select_cb(static_cast<SSL_CTX*>(tls_.get()), &ChooseHttp2, nullptr);
+  }
   socket_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
   Require(socket_ >= 0, "make a socket");
   sockaddr_in address{};

@@ -37,6 +37,9 @@ class WireConnection {
   bool Respond(int status, std::string_view body = {},
                const std::map<std::string, std::string>& headers = {});
 
+  // The bytes that the client sends next; none when it has closed its end.
+  virtual std::string Receive() = 0;
+
   // Waits, but not beyond the server's end. False when the server is ending.
   virtual bool Pause(std::chrono::milliseconds time) = 0;
 
@@ -56,6 +59,9 @@ class LoopbackServer {
   struct Options {
     std::optional<DevServer::Identity> identity;  // none: cleartext
     bool hangsAfterAccept = false;                // never says a word
+    // Agrees on HTTP/2 with clients that offer it, and leaves it to the handler to speak it: no
+    // request is read before.
+    bool isHttp2 = false;
   };
 
   LoopbackServer(Options options, Handler handler);

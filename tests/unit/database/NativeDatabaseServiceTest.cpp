@@ -5,6 +5,7 @@
 #include "DatabaseFixture.h"
 #include "services/database/NativeDatabaseService.h"
 #include "services/system/NativeSystemInfoService.h"
+#include "support/FailingPorts.h"
 #include "support/FakeHost.h"
 #include "support/WaitUntil.h"
 
@@ -212,6 +213,20 @@ TEST_F(NativeDatabaseServiceTest, ForgetsTheDatabaseWhereItsFileCannotBeRemoved)
   host_.fileManager->Heal();
   EXPECT_TRUE(FileExists("a"));
   EXPECT_NE(service_->OpenDatabase("a"), database);
+}
+
+TEST_F(NativeDatabaseServiceTest, ForgetsTheDatabaseWhereTheDeviceThrows) {
+  const auto database = service_->OpenDatabase("a");
+  MakeTable(*database);
+  Platform::Host failing = host_.Copy();
+  failing.fileManager = std::make_shared<TestSupport::FailingFileManager>();
+  Platform::Host::Install(failing);
+  EXPECT_FALSE(service_->DeleteDatabase("a"));
+  EXPECT_FALSE(service_->DeleteDatabase("a"));
+  Platform::Host::Install(host_.Copy());
+  EXPECT_TRUE(FileExists("a"));
+  EXPECT_NE(service_->OpenDatabase("a"), database);
+  EXPECT_TRUE(service_->DeleteDatabase("a"));
 }
 
 TEST_F(NativeDatabaseServiceTest, NeverRemovesADirectory) {

@@ -7,6 +7,7 @@
 namespace {
 
 using Velmora::PathText::Append;
+using Velmora::PathText::Below;
 using Velmora::PathText::Standardize;
 
 TEST(PathText, PutsOneSeparatorBetweenPathAndComponent) {
@@ -28,6 +29,12 @@ TEST(PathText, FoldsRunsOfSeparatorsAndLeavesDots) {
   EXPECT_EQ(Append("//a//b//", "//c//"), "/a/b/c");
   EXPECT_EQ(Append("/a", ".."), "/a/..");
   EXPECT_EQ(Append("/a", "./b"), "/a/./b");
+}
+
+TEST(PathText, FindsNamesFromAPath) {
+  EXPECT_EQ(Below("/a/b", "../c"), "/a/c");
+  EXPECT_EQ(Below("/a", "/b"), "/a/b");
+  EXPECT_EQ(Below("a", ".."), ".");
 }
 
 TEST(PathText, FoldsDots) {

@@ -279,6 +279,41 @@ TEST_F(ZipEntryTest, KeepsEarlierEntriesWhenALaterOneFails) {
   EXPECT_FALSE(Exists(PathOf("out/c")));
 }
 
+TEST_F(ZipEntryTest, ReportsAFileThatCannotBeClosed) {
+  host_.fileManager->Fail(FileFault::Close);
+  EXPECT_EQ(Extract(StoredEntry("a", "contents")),
+            "compressed-file.close-failed: Failed to finalize decompression");
+  EXPECT_EQ(Unpacked("a"), "contents");
+}
+
+TEST_F(ZipEntryTest, NeverWritesOverItsOwnArchive) {
+  const std::string archivePath = PathOf("archive.zip");
+  fs::create_directory(PathOf("out"));
+  fs::create_symlink("../archive.zip", PathOf("out/link"));
+  fs::create_directory_symlink("..", PathOf("out/up"));
+  for (const std::string& name :
+       {std::string("../archive.zip"), std::string("d/.././../archive.zip"), std::string("link"),
+        std::string("up/archive.zip"), std::string("hard link")}) {
+    const std::string bytes =
+        ArchiveOf({StoredEntry("first", "1"), StoredEntry(name, Varied(100'000)),
+                   DeflatedEntry("last", "3")});
+    WriteArchive(bytes);
+    fs::remove(PathOf("out/hard link"));
+    fs::create_hard_link(archivePath, PathOf("out/hard link"));
+    EXPECT_EQ(Extract(bytes), CannotWrite(name));
+    EXPECT_EQ(ReadFileBytes(archivePath), bytes) << name;
+    EXPECT_EQ(Unpacked("first"), "1");
+    EXPECT_FALSE(Exists(PathOf("out/last")));
+  }
+}
+
+TEST_F(ZipEntryTest, UnpacksBesideItsArchive) {
+  const std::string bytes = ArchiveOf({StoredEntry("../archive.zip.txt", "beside")});
+  EXPECT_EQ(Extract(bytes), "");
+  EXPECT_EQ(ReadFileBytes(PathOf("archive.zip.txt")), "beside");
+  EXPECT_EQ(ReadFileBytes(PathOf("archive.zip")), bytes);
+}
+
 TEST_F(ZipEntryTest, LeavesTheArchiveAloneAndNoFileOpen) {
   const std::size_t before = OpenFiles();
   ZipEntry damaged = StoredEntry("b", "second");

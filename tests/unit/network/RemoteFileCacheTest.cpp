@@ -169,7 +169,14 @@ TEST_F(RemoteFileCacheTest, ReadsAnyDateThatANameMayHold) {
       {".nan_41", "Thu, 01 Jan 1970 00:00:00 GMT"},
       {".-1_41", "Wed, 31 Dec 1969 23:59:59 GMT"},
       {".99999999999999999999999999_41", "Fri, 31 Dec 9999 23:59:59 GMT"},
-      {".1e999_41", "Fri, 31 Dec 9999 23:59:59 GMT"}};
+      {".1e999_41", "Fri, 31 Dec 9999 23:59:59 GMT"},
+      {".-1e999_41", "Mon, 01 Jan 0001 00:00:00 GMT"},
+      {".1e-999_41", "Thu, 01 Jan 1970 00:00:00 GMT"},
+      {".+12_41", "Thu, 01 Jan 1970 00:00:12 GMT"},
+      {". \t\n12_41", "Thu, 01 Jan 1970 00:00:12 GMT"},
+      {".+-12_41", "Thu, 01 Jan 1970 00:00:00 GMT"},
+      {".+ 12_41", "Thu, 01 Jan 1970 00:00:00 GMT"},
+      {". _41", "Thu, 01 Jan 1970 00:00:00 GMT"}};
   for (const auto& [name, date] : dates) {
     EXPECT_EQ(RevalidationOf(name).at("If-Modified-Since"), date) << name;
   }

@@ -43,14 +43,33 @@ TEST(Rfc2822Date, DoesNotCareWhichDayOfTheWeekItIs) {
   EXPECT_EQ(ParseRfc2822Date("Sun, 05 Mar 2024 10:20:30 GMT"), 1709634030);
 }
 
+TEST(Rfc2822Date, TakesADayOfOneDigit) {
+  EXPECT_EQ(ParseRfc2822Date("Tue, 5 Mar 2024 10:20:30 GMT"), 1709634030);
+  EXPECT_EQ(ParseRfc2822Date("Tue, 0 Mar 2024 10:20:30 GMT"), std::nullopt);
+}
+
 TEST(Rfc2822Date, RefusesOtherForms) {
-  for (const std::string text :
-       {"", "Tue", "Tue, 05 Mar 2024 10:20:30", "Tue, 05 Mar 2024 10:20:30 UTC",
-        "Tue, 05 Mar 2024 10:20:30 GMT ", " Tue, 05 Mar 2024 10:20:30 GMT",
-        "Tuesday, 05-Mar-24 10:20:30 GMT", "Tue Mar  5 10:20:30 2024",
-        "Tue, 05 Mar 24 10:20:30 GMT", "Tue, 05 Mrz 2024 10:20:30 GMT",
-        "Tue, -5 Mar 2024 10:20:30 GMT", "Tue, 05 Mar -024 10:20:30 GMT",
-        "Tue, +5 Mar 2024 10:20:30 GMT", "2024-03-05T10:20:30Z", "1709634030"}) {
+  for (const std::string text : {"",
+                                 "Tue",
+                                 "Tue, 05 Mar 2024 10:20:30",
+                                 "Tue, 05 Mar 2024 10:20:30 UTC",
+                                 "Tue, 05 Mar 2024 10:20:30 GMT ",
+                                 " Tue, 05 Mar 2024 10:20:30 GMT",
+                                 "Tuesday, 05-Mar-24 10:20:30 GMT",
+                                 "Tue Mar  5 10:20:30 2024",
+                                 "Tue, 05 Mar 24 10:20:30 GMT",
+                                 "Tue, 05 Mrz 2024 10:20:30 GMT",
+                                 "Tue, -5 Mar 2024 10:20:30 GMT",
+                                 "Tue, 05 Mar -024 10:20:30 GMT",
+                                 "Tue, +5 Mar 2024 10:20:30 GMT",
+                                 "Tue,  5 Mar 2024 10:20:30 GMT",
+                                 "Tue, Mar 2024 10:20:30 GMT",
+                                 "Tue, 005 Mar 2024 10:20:30 GMT",
+                                 "Tue, -1 Mar 2024 10:20:30 GMT",
+                                 "Tue, 05 Mar 2024 9:20:30 GMT",
+                                 "Tue, 05 Mar 2024 10:2:30 GMT",
+                                 "2024-03-05T10:20:30Z",
+                                 "1709634030"}) {
     EXPECT_EQ(ParseRfc2822Date(text), std::nullopt) << text;
   }
 }

@@ -89,6 +89,17 @@ TEST_F(CurlRedirectsTest, SendsCleartextWhereItIsAllowed) {
   EXPECT_THAT(Fetch(session, "ftp://127.0.0.1/"), FailsWith(UrlFailure::CleartextRefused));
 }
 
+TEST_F(CurlRedirectsTest, NeverGoesBackFromHttpsThatWasReachedFromCleartext) {
+  std::atomic<int> asked{0};
+  CurlUrlSession session(AllowingCleartext(asked));
+  EXPECT_THAT(Fetch(session, cleartext_.Url("/to?" + cleartext_.Url("/"))), Brings(200, "GET "));
+  EXPECT_EQ(cleartext_.Accepted(), 2);
+  const std::string back = secure_.Url("/to?" + cleartext_.Url("/"));
+  EXPECT_THAT(Fetch(session, cleartext_.Url("/to?" + back)),
+              FailsWith(UrlFailure::CleartextRefused));
+  EXPECT_EQ(cleartext_.Accepted(), 3);
+}
+
 TEST_F(CurlRedirectsTest, SendsNoCleartextWhereTheQuestionFails) {
   auto options = TrustedServer::SessionOptions();
   options.allowsCleartext = []() -> bool { throw std::runtime_error("no answer"); };

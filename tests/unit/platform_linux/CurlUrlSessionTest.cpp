@@ -9,10 +9,10 @@
 #include <vector>
 
 #include <gmock/gmock.h>
-#include <zlib.h>
 
 #include "support/Guarded.h"
 #include "support/UrlSessionCalls.h"
+#include "support/tls/ContentCodings.h"
 #include "support/tls/TrustedServer.h"
 
 namespace {
@@ -24,6 +24,7 @@ using Platform::UrlFailure;
 using TestSupport::Brings;
 using TestSupport::FailsWith;
 using TestSupport::Fetch;
+using TestSupport::Gzip;
 using TestSupport::LoopbackServer;
 using TestSupport::PendingUrl;
 using TestSupport::RequestFor;
@@ -32,26 +33,16 @@ using TestSupport::WaitUntil;
 using TestSupport::WireConnection;
 using TestSupport::WireRequest;
 
-std::string Gzip(const std::string& text) {
-  z_stream stream{};
-  constexpr int kGzipWindow = 15 + 16;
-  EXPECT_EQ(
-      deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, kGzipWindow, 8, Z_DEFAULT_STRATEGY),
-      Z_OK);
-  std::string packed(deflateBound(&stream, text.size()), '\0');
-  stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
-  stream.avail_in = static_cast<uInt>(text.size());
-  stream.next_out = reinterpret_cast<Bytef*>(packed.data());
-  stream.avail_out = static_cast<uInt>(packed.size());
-  EXPECT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
-  packed.resize(stream.total_out);
-  deflateEnd(&stream);
-  return packed;
-}
-
 // A server that sends these bytes and nothing else.
 LoopbackServer::Handler Say(const std::string& bytes) {
   return [bytes](const WireRequest&, WireConnection& connection) { connection.Send(bytes); };
+}
+
+// A server that answers 200 with a body of this coding.
+LoopbackServer::Handler Respond(const std::string& body, const std::string& coding) {
+  return [body, coding](const WireRequest&, WireConnection& connection) {
+    connection.Respond(200, body, {{"Content-Encoding", coding}});
+  };
 }
 
 std::ptrdiff_t EntriesOf(const char* directory) {
@@ -160,13 +151,18 @@ TEST_F(CurlUrlSessionTest, PassesInterimResponsesOver) {
               Brings(200, "ok"));
 }
 
-TEST_F(CurlUrlSessionTest, UndoesContentCodings) {
+TEST_F(CurlUrlSessionTest, UndoesEveryContentCodingThatItAsksFor) {
   const std::string text(100'000, 'z');
-  const std::string packed = Gzip(text);
-  EXPECT_THAT(FetchFrom([&](const WireRequest&, WireConnection& connection) {
-                connection.Respond(200, packed, {{"Content-Encoding", "gzip"}});
-              }),
-              Brings(200, text));
+  const std::pair<const char*, std::string> packed[] = {
+      {"gzip", Gzip(text)},
+      {"deflate", TestSupport::Deflate(text)},
+      {"deflate", TestSupport::BareDeflate(text)},
+      {"br", TestSupport::Brotli(text)},
+      {"deflate, gzip", Gzip(TestSupport::Deflate(text))},
+      {"identity", text}};
+  for (const auto& [coding, body] : packed) {
+    EXPECT_THAT(FetchFrom(Respond(body, coding)), Brings(200, text)) << coding;
+  }
 }
 
 TEST_F(CurlUrlSessionTest, DeliversStatusesAsTheyAre) {
@@ -206,10 +202,11 @@ TEST_F(CurlUrlSessionTest, RefusesWhatIsNoHttp) {
 }
 
 TEST_F(CurlUrlSessionTest, RefusesACodingThatCannotBeUndone) {
-  EXPECT_THAT(FetchFrom([](const WireRequest&, WireConnection& connection) {
-                connection.Respond(200, "this is no gzip", {{"Content-Encoding", "gzip"}});
-              }),
-              FailsWith(UrlFailure::BadResponse));
+  for (const std::string coding : {"gzip", "deflate", "br", "compress", "nonsense"}) {
+    EXPECT_THAT(FetchFrom(Respond("this is not packed", coding)),
+                FailsWith(UrlFailure::BadResponse))
+        << coding;
+  }
 }
 
 TEST_F(CurlUrlSessionTest, RefusesHeadersWithoutEnd) {
@@ -240,11 +237,13 @@ TEST_F(CurlUrlSessionTest, CountsWhatACodingHides) {
   auto options = TrustedServer::SessionOptions();
   options.largestBody = 1'000'000;
   CurlUrlSession session(options);
-  const std::string bomb = Gzip(std::string(20'000'000, '\0'));
-  const TrustedServer server([&bomb](const WireRequest&, WireConnection& connection) {
-    connection.Respond(200, bomb, {{"Content-Encoding", "gzip"}});
-  });
-  EXPECT_THAT(Fetch(session, server.Url()), FailsWith(UrlFailure::TooLarge));
+  const std::string zeros(20'000'000, '\0');
+  for (const auto& [coding, bomb] :
+       {std::pair("gzip", Gzip(zeros)), std::pair("deflate", TestSupport::Deflate(zeros)),
+        std::pair("br", TestSupport::Brotli(zeros))}) {
+    const TrustedServer server(Respond(bomb, coding));
+    EXPECT_THAT(Fetch(session, server.Url()), FailsWith(UrlFailure::TooLarge)) << coding;
+  }
 }
 
 // A claim costs nothing: no memory is taken on its word.

@@ -1,12 +1,9 @@
-#include <csignal>
 #include <fstream>
 #include <string>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 
-#include "QEXCore_iOS/Platform/DeviceError.h"
 #include "platform/linux/LinuxFileHandle.h"
 #include "support/TemporaryDirectory.h"
 
@@ -96,38 +93,6 @@ TEST_F(LinuxFileHandleTest, EndsWhereTheFileWasCut) {
   std::string text(kLength, '?');
   handle_.Seek(LinuxFileHandle::kReadAhead);
   EXPECT_EQ(handle_.Read(text.data(), text.size()), 0U);
-}
-
-// Keeps files of this process from growing beyond `bytes`.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) : formerHandler_(::signal(SIGXFSZ, SIG_IGN)) {
-    ::getrlimit(RLIMIT_FSIZE, &former_);
-    const rlimit limit{.rlim_cur = bytes, .rlim_max = former_.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() {
-    ::setrlimit(RLIMIT_FSIZE, &former_);
-    ::signal(SIGXFSZ, formerHandler_);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  sighandler_t formerHandler_;
-  rlimit former_{};
-};
-
-TEST_F(LinuxFileHandleTest, TellsHowMuchOfAWriteTheDeviceTook) {
-  const std::string bytes(2 * kLength, 'b');
-  {
-    const FileSizeLimit limit(kLength + 10);
-    handle_.Seek(100);
-    EXPECT_THROW(handle_.Write(bytes.data(), bytes.size()), Platform::DeviceError);
-  }
-  EXPECT_EQ(handle_.Offset(), kLength + 10);
-  const std::string contents = TestSupport::ReadFileBytes(path_);
-  EXPECT_TRUE(contents == std::string(100, 'a') + std::string(kLength - 90, 'b'));
 }
 
 }  // namespace

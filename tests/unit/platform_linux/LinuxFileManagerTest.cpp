@@ -1,18 +1,30 @@
 #include <algorithm>
+#include <atomic>
+#include <cerrno>
 #include <chrono>
+#include <cstddef>
 #include <ctime>
 #include <filesystem>
+#include <fstream>
 #include <functional>
+#include <iterator>
+#include <thread>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "platform/linux/LinuxFileManager.h"
+#include "support/ForkedProcess.h"
 #include "support/ScopedEnvironment.h"
 #include "support/TemporaryDirectory.h"
+#include "support/WaitUntil.h"
 
 namespace {
 
@@ -21,6 +33,7 @@ namespace fs = std::filesystem;
 using Platform::Error;
 using Platform::LinuxFileManager;
 using testing::HasSubstr;
+using TestSupport::AsStranger;
 using TestSupport::ScopedEnvironment;
 using TestSupport::TemporaryDirectory;
 
@@ -106,20 +119,6 @@ TEST(LinuxFileManager, RemovesTreesDeeperThanAPathCanName) {
   EXPECT_TRUE(fs::is_empty(folder.Path()));
 }
 
-// Runs `look` in a process of a user who owns nothing here, and gives what it returns.
-bool AsStranger(const std::function<bool()>& look) {
-  const pid_t child = ::fork();
-  if (child == 0) {
-    constexpr uid_t kNobody = 65534;
-    if (::geteuid() == 0 && (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0)) ::_exit(2);
-    ::_exit(look() ? 0 : 1);
-  }
-  int status = 0;
-  EXPECT_EQ(::waitpid(child, &status, 0), child);
-  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) < 2);
-  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
-
 class LinuxFileManagerWithoutPermission : public testing::Test {
  protected:
   // A folder and a file in it that only the superuser may write, and a file that only they may
@@ -170,6 +169,94 @@ TEST_F(LinuxFileManagerWithoutPermission, SaysThatPermissionIsMissing) {
     Error error;
     return !LinuxFileManager().ReadText(secret_, &error) && isDenied(error, secret_);
   }));
+}
+
+// The flags of the descriptors that this process has open below `folder` just now, if any.
+std::vector<unsigned long> FlagsOfDescriptorsBelow(const std::string& folder) {
+  std::vector<unsigned long> found;
+  for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
+    std::error_code error;
+    if (!fs::read_symlink(entry.path(), error).string().starts_with(folder)) continue;
+    std::ifstream info("/proc/self/fdinfo/" + entry.path().filename().string());
+    for (std::string word; info >> word;) {
+      if (word == "flags:" && info >> word) found.push_back(std::stoul(word, nullptr, 8));
+    }
+  }
+  return found;
+}
+
+TEST(LinuxFileManager, HidesWhatItOpensForOneOperationFromChildProcesses) {
+  const TemporaryDirectory folder;
+  const std::string path = folder.WriteFile("file", std::string(1'000'000, 'x'));
+  for (int i = 0; i < 500; ++i) folder.WriteFile("many/" + std::to_string(i), "");
+  LinuxFileManager manager;
+  const std::vector<std::pair<const char*, std::function<void()>>> operations = {
+      {"list", [&] { manager.ContentsOfDirectory(folder.PathOf("many"), nullptr); }},
+      {"read", [&] { manager.ReadText(path, nullptr); }},
+      {"create", [&] { manager.CreateFile(folder.PathOf("new")); }},
+      {"write", [&] { manager.WriteFile(folder.PathOf("written"), "contents", nullptr); }}};
+  for (const auto& [name, operation] : operations) {
+    std::vector<unsigned long> flags;
+    {
+      const std::jthread worker([&operation](const std::stop_token& stop) {
+        while (!stop.stop_requested()) operation();
+      });
+      EXPECT_TRUE(TestSupport::WaitUntil([&] {
+        for (const unsigned long flag : FlagsOfDescriptorsBelow(folder.Path())) {
+          flags.push_back(flag);
+        }
+        return flags.size() >= 10;
+      })) << name;
+    }
+    for (const unsigned long flag : flags) EXPECT_NE(flag & O_CLOEXEC, 0U) << name;
+  }
+}
+
+// From now on, no file can be linked, as on file systems that know no links.
+bool ForbidLinks() {
+  sock_filter deny[] = {
+      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_linkat, 0, 1),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+  };
+  const sock_fprog program{static_cast<unsigned short>(std::size(deny)), deny};
+  return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+         ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+
+TEST(LinuxFileManager, WritesWhereAFileWithoutANameCannotBeGivenOne) {
+  const TestSupport::TemporaryDirectory folder;
+  ::chmod(folder.Path().c_str(), 0777);
+  const std::string path = folder.PathOf("file");
+  EXPECT_TRUE(AsStranger([&] {
+    return ForbidLinks() && LinuxFileManager().WriteFile(path, "first", nullptr) &&
+           LinuxFileManager().WriteFile(path, "second", nullptr);
+  }));
+  EXPECT_EQ(TestSupport::ReadFileBytes(path), "second");
+  EXPECT_EQ(LinuxFileManager().ContentsOfDirectory(folder.Path(), nullptr).size(), 1U);
+}
+
+TEST(LinuxFileManager, WritesIntoAFolderThatIsTidiedUpAllTheTime) {
+  const TestSupport::TemporaryDirectory folder;
+  const std::string path = folder.PathOf("file");
+  std::atomic<bool> isWriting{true};
+  std::thread tidier([&] {
+    LinuxFileManager manager;
+    while (isWriting) {
+      for (const auto& entry : manager.ContentsOfDirectory(folder.Path(), nullptr)) {
+        if (entry.name != "file") manager.RemoveItem(folder.PathOf(entry.name), nullptr);
+      }
+    }
+  });
+  for (int i = 0; i < 100; ++i) {
+    const std::string bytes(100'000, static_cast<char>('a' + i % 26));
+    Error error;
+    EXPECT_TRUE(LinuxFileManager().WriteFile(path, bytes, &error)) << error.LocalizedDescription();
+    EXPECT_TRUE(TestSupport::ReadFileBytes(path) == bytes);
+  }
+  isWriting = false;
+  tidier.join();
 }
 
 TEST(LinuxFileManager, TellsTimesBeyondItsClockAsTheFarthestItKnows) {

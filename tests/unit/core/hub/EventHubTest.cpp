@@ -1,4 +1,6 @@
+#include <chrono>
 #include <cmath>
+#include <future>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -8,6 +10,7 @@
 #include "VelmoraCore/ErrorCodes.h"
 #include "VelmoraCore/Log.h"
 #include "hub/EventHub.h"
+#include "support/ManualClock.h"
 #include "unit/core/hub/HubFixture.h"
 
 namespace {
@@ -221,6 +224,72 @@ TEST_F(EventHubTest, BringsAModulesWorkHomeToItsThreadAndCountsItForNoEvent) {
   wayHome([&] { isCalled = true; });
   hub = nullptr;
   wayHome([&] { isCalled = true; });
+  EXPECT_FALSE(isCalled);
+}
+
+TEST_F(EventHubTest, AModuleOfItsOwnMayHearEverythingAfterThoseWhoListenToOneTopic) {
+  class HearingModule final : public Velmora::HubModule {
+   public:
+    explicit HearingModule(CallLog& calls) : calls_(calls) {}
+    std::string GetName() const override { return "hearing"; }
+    void Attach(Velmora::HubContext& context) override {
+      context.ListenToAll([this](const EventPointer& event) {
+        Add(calls_, "all: " + event->GetName());
+        if (event->GetName() == "bad") throw std::runtime_error("spilt");
+      });
+      context.Listen(
+          "a", "b", [this](const EventPointer& event) { Add(calls_, "one: " + event->GetName()); });
+    }
+
+   private:
+    CallLog& calls_;
+  };
+  CallLog calls;
+  hub = EventHub::Create(services);
+  hub->AddModule(std::make_unique<HearingModule>(calls));
+  hub->Start();
+  log.ExpectLine(LogLevel::Error, "EventHub",
+                 "module hearing: event 2 failed: std.exception: spilt");
+  EXPECT_EQ(Dispatch(NewEvent("first", "a", "b")), "");
+  EXPECT_EQ(Dispatch(NewEvent("bad", "c", "d")), "");
+  EXPECT_EQ(Dispatch(NewEvent("last", "a", "d")), "");
+  Finish();
+  EXPECT_THAT(calls.Get(), ElementsAre("one: first", "all: first", "all: bad", "all: last"));
+}
+
+// Lends out the context that it is given.
+class LendingModule final : public Velmora::HubModule {
+ public:
+  explicit LendingModule(Velmora::HubContext*& context) : context_(context) {}
+  std::string GetName() const override { return "lending"; }
+  void Attach(Velmora::HubContext& context) override { context_ = &context; }
+
+ private:
+  Velmora::HubContext*& context_;
+};
+
+TEST_F(EventHubTest, GivesModulesTheClockThatItWasGiven) {
+  const auto clock = std::make_shared<TestSupport::ManualClock>();
+  Velmora::HubContext* context = nullptr;
+  hub = EventHub::Create(services, {}, clock);
+  hub->AddModule(std::make_unique<LendingModule>(context));
+  EXPECT_EQ(&context->GetClock(), clock.get());
+}
+
+TEST_F(EventHubTest, GivesModulesTheSystemsClockWhichStopsWithTheHub) {
+  Velmora::HubContext* context = nullptr;
+  hub = EventHub::Create(services);
+  hub->AddModule(std::make_unique<LendingModule>(context));
+  hub->Start();
+  std::promise<std::thread::id> thread;
+  context->GetClock().CallAfter(std::chrono::milliseconds(1),
+                                [&] { thread.set_value(std::this_thread::get_id()); });
+  EXPECT_THAT(host.processInfo->ThreadNames(),
+              testing::Contains(testing::Pair(thread.get_future().get(), "VelmoraClock")));
+  bool isCalled = false;
+  context->GetClock().CallAfter(std::chrono::hours(1), [&] { isCalled = true; });
+  Finish();
+  context->GetClock().CallAfter(std::chrono::milliseconds(0), [&] { isCalled = true; });
   EXPECT_FALSE(isCalled);
 }
 
