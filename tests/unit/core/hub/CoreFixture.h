@@ -18,6 +18,7 @@
 #include "services/network/NativeNetworkService.h"
 #include "services/system/NativeCryptoService.h"
 #include "services/system/NativeSystemInfoService.h"
+#include "services/system/NativeUrlService.h"
 #include "support/FakeHost.h"
 #include "support/FakePlatformServices.h"
 #include "support/LogCapture.h"
@@ -41,6 +42,7 @@ class CoreFixture : public testing::Test {
     services->systemInfo = Velmora::CreateNativeSystemInfoService();
     services->database = Velmora::CreateNativeDatabaseService(services->systemInfo);
     services->network = Velmora::CreateNativeNetworkService(services->systemInfo);
+    services->url = Velmora::CreateNativeUrlService();
     services->logging = log.LoggingService();
     host.bundle->SetInfo("CFBundleName", "Sample");
   }
