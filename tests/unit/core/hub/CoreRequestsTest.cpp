@@ -117,7 +117,7 @@ TEST_F(CoreRequestsTest, AFloodOfEventsAndReportsDropsNoOptOut) {
 
 TEST_F(CoreRequestsTest, ConfigureWithAppId) {
   StartCore();
-  AllowDebug("Configuration");
+  log.AllowLines(LogLevel::Warning, "Configuration", testing::HasSubstr("VelmoraConfigurationUrl"));
   core->ConfigureWithAppId("app 7");
   ExpectRequest(EventTypes::kConfiguration, EventSources::kRequest, "configure with app id",
                 "{appId:\"app 7\"}");
@@ -208,7 +208,7 @@ TEST_F(CoreRequestsTest, DownloadRules) {
 
 TEST_F(CoreRequestsTest, StartCallsBackAfterAllThatWasAskedForBefore) {
   StartCore();
-  AllowDebug("Configuration");
+  log.AllowLines(LogLevel::Warning, "Configuration", testing::HasSubstr("VelmoraConfigurationUrl"));
   CallLog calls;
   const auto module = std::make_shared<RecordingModule>("module");
   module->onRegister = [&](const ModuleServices&) { Add(calls, "registered"); };
