@@ -49,6 +49,7 @@ TEST_F(CoreRequestsTest, CreateWorksWithoutAnyService) {
   const auto none = std::make_shared<TestSupport::FakePlatformServices>();
   log.ExpectLine(LogLevel::Warning, "Core", "the platform has no logging service");
   log.ExpectLine(LogLevel::Warning, "Configuration", testing::HasSubstr("no data store"));
+  log.ExpectLine(LogLevel::Warning, "Identity", testing::HasSubstr("no data store"));
   log.AllowLines(LogLevel::Error, "Configuration", testing::HasSubstr("no JSON service"));
   core = Core::Create(none, nullptr);
   core->SetPrivacyStatus(MobilePrivacyStatus::OptedOut);
