@@ -64,6 +64,11 @@ inline constexpr const char* kDropped = "dropped";
 // A map of the data collected.
 inline constexpr const char* kCollected = "collected";
 
+// Of a rules response: the rule's id, which of its consequences, and one of RuleOutcomes.
+inline constexpr const char* kRule = "rule";
+inline constexpr const char* kConsequence = "consequence";
+inline constexpr const char* kOutcome = "outcome";
+
 // The module whose shared state has changed.
 inline constexpr const char* kStateOwner = "stateOwner";
 
@@ -75,5 +80,18 @@ inline constexpr const char* kStart = "start";
 inline constexpr const char* kPause = "pause";
 
 }  // namespace Phases
+
+// What becomes of a consequence of a rule, and what the user does with it.
+namespace RuleOutcomes {
+
+inline constexpr const char* kFired = "fired";          // the rule asked for it
+inline constexpr const char* kShown = "shown";          // it came on screen
+inline constexpr const char* kDismissed = "dismissed";  // it left the screen
+inline constexpr const char* kPositive = "positive";    // the positive button of an alert
+inline constexpr const char* kNegative = "negative";    // the negative one
+inline constexpr const char* kLink = "link";            // a link of a message
+inline constexpr const char* kTapped = "tapped";        // the floating button
+
+}  // namespace RuleOutcomes
 
 }  // namespace Velmora
