@@ -106,7 +106,9 @@ class EventHub::ModuleContext final : public HubContext {
     };
   }
   bool SetSharedState(const std::string& json, const std::shared_ptr<Event>& event) override {
-    return hub_.EventHub::SetSharedState(name_, std::make_shared<const std::string>(json), event);
+    // In the order of handling, which that of acceptance may be far ahead of.
+    const std::int64_t number = event == nullptr ? hub_.lastNumber_ + 1 : event->GetNumber();
+    return hub_.SetSharedStateFrom(number, name_, std::make_shared<const std::string>(json));
   }
   std::shared_ptr<const std::string> GetSharedState(const std::string& owner,
                                                     const std::shared_ptr<Event>& event) override {
@@ -369,6 +371,11 @@ bool EventHub::SetSharedState(const std::string& owner, std::shared_ptr<const st
                               const std::shared_ptr<Event>& event) {
   const bool isNumbered = event != nullptr && event->GetNumber() > 0;
   const std::int64_t number = isNumbered ? event->GetNumber() : AcceptedCount() + 1;
+  return SetSharedStateFrom(number, owner, std::move(json));
+}
+
+bool EventHub::SetSharedStateFrom(std::int64_t number, const std::string& owner,
+                                  std::shared_ptr<const std::string> json) {
   if (!states_.Set(owner, std::move(json), number)) return false;
   AnnounceSharedState(owner);
   return true;

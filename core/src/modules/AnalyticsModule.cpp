@@ -54,12 +54,7 @@ void AnalyticsModule::Attach(HubContext& hub) {
              [this](const EventPointer& event) { OnRequest(event); });
   hub.Listen(EventTypes::kAnalytics, EventSources::kQuery,
              [this](const EventPointer& event) { OnQuery(event); });
-  // The configuration module has been asked before this one, so that no hit is sent any more once
-  // an opt-out has been handled.
-  hub.Listen(EventTypes::kConfiguration, EventSources::kRequest,
-             [this](const EventPointer&) { FollowConfiguration(); });
-  hub.Listen(EventTypes::kHub, EventSources::kSharedState,
-             [this](const EventPointer&) { FollowConfiguration(); });
+  ListenForConfiguration(hub, [this](const EventPointer&) { FollowConfiguration(); });
 }
 
 void AnalyticsModule::End() {
@@ -133,8 +128,7 @@ void AnalyticsModule::OnQuery(const EventPointer& event) {
 
 void AnalyticsModule::FollowConfiguration() {
   if (!configuration_.Refresh(*hub_)) return;
-  const std::shared_ptr<Variant> status = configuration_.Value(EventKeys::kPrivacyStatus);
-  FollowStatus(status == nullptr ? std::nullopt : std::optional(PrivacyStatusOf(status)));
+  FollowStatus(PrivacyStatusIn(configuration_));
   const HitQueue::Limits defaults;
   queue_->SetLimits({static_cast<std::size_t>(configuration_.Number(
                          kMaxHitsKey, static_cast<std::int64_t>(defaults.count), kMaxHitsRange)),
