@@ -36,11 +36,12 @@ inline constexpr const char* kFilePath = "filePath";
 inline constexpr const char* kUpdate = "update";
 inline constexpr const char* kPrivacyStatus = "privacyStatus";
 
-// Of an identity request, one of the first two; the response to an identity query holds the last,
-// a JSON object as text.
+// Of an identity request, one of the first two; the response to an identity query holds the third,
+// a JSON object as text. The last is a member of that object, and of hits.
 inline constexpr const char* kPushIdentifier = "pushIdentifier";
 inline constexpr const char* kAdvertisingIdentifier = "advertisingIdentifier";
 inline constexpr const char* kIdentities = "identities";
+inline constexpr const char* kVisitorId = "visitorId";
 
 // Of lifecycle events: one of Phases.
 inline constexpr const char* kPhase = "phase";
@@ -50,6 +51,15 @@ inline constexpr const char* kAction = "action";
 inline constexpr const char* kState = "state";
 inline constexpr const char* kContextData = "contextdata";
 inline constexpr const char* kTimestamp = "timestamp";  // milliseconds since 1970
+
+// Of a prepared analytics event: the id of the hit, which no other hit has.
+inline constexpr const char* kHitId = "hitId";
+
+// Of the response to an analytics query, numbers of hits: those that wait, and those that were sent
+// and dropped since the core was made.
+inline constexpr const char* kQueued = "queued";
+inline constexpr const char* kSent = "sent";
+inline constexpr const char* kDropped = "dropped";
 
 // A map of the data collected.
 inline constexpr const char* kCollected = "collected";

@@ -8,15 +8,11 @@
 #include <vector>
 
 #include "VelmoraCore/EventData.h"
-#include "hub/EventHub.h"
 #include "services/filesystem/NativeCompressedFileService.h"
-#include "services/network/NativeNetworkService.h"
 #include "services/network/NativeRemoteFileManagerService.h"
-#include "services/system/NativeCryptoService.h"
 #include "services/system/NativeUrlService.h"
 #include "services/ui/KRVMessagesMonitor.h"
 #include "services/ui/NativeUiService.h"
-#include "support/ManualClock.h"
 #include "support/ZipBuilder.h"
 #include "unit/core/hub/CoreFixture.h"
 
@@ -28,9 +24,7 @@ class RulesFixture : public CoreFixture {
 
   RulesFixture() {
     KRVMessagesMonitor().dismissed();
-    services->crypto = Velmora::CreateNativeCryptoService();
     services->compressedFile = Velmora::CreateNativeCompressedFileService();
-    services->network = Velmora::CreateNativeNetworkService(services->systemInfo);
     services->remoteFileManager = Velmora::CreateNativeRemoteFileManagerService(
         services->network, services->fileSystem, services->systemInfo);
     services->ui = Velmora::CreateNativeUiService();
@@ -42,10 +36,6 @@ class RulesFixture : public CoreFixture {
     core = nullptr;
     host.mainQueue->RunAll();
     KRVMessagesMonitor().dismissed();
-  }
-
-  std::shared_ptr<Velmora::EventHub> MakeHub() override {
-    return Velmora::EventHub::Create(services, {}, clock);
   }
 
   static std::string RulesFile(const std::string& rules) {
@@ -146,7 +136,4 @@ class RulesFixture : public CoreFixture {
     }
     return names;
   }
-
-  const std::shared_ptr<TestSupport::ManualClock> clock =
-      std::make_shared<TestSupport::ManualClock>();
 };
