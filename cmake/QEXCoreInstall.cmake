@@ -1,4 +1,6 @@
-# Install rules: libraries, headers, a CMake package with the component `core`, pkg-config files.
+# Install rules: libraries, headers, a CMake package with the components `core` and, where it is
+# built, `gtk`, pkg-config files. Install components: `library` and `gtk` hold what programs need to
+# run, `development` and `gtk_development` what building them needs besides.
 
 include(CMakePackageConfigHelpers)
 
@@ -6,13 +8,28 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/QEXCore)
 set(installed QEXCore_iOS)
 if(NOT VELMORA_CORE_ROOT)
   list(APPEND installed VelmoraCore)
-  install(DIRECTORY core/include/VelmoraCore DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  install(DIRECTORY core/include/VelmoraCore
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 endif()
 
-install(TARGETS ${installed} EXPORT QEXCoreTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(DIRECTORY include/QEXCore_iOS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(EXPORT QEXCoreTargets NAMESPACE QEXCore:: DESTINATION ${package_dir})
+# qexcore_install(<component> <export> <file> <target>...): libraries, and how CMake finds them.
+function(qexcore_install component export file)
+  set(development ${component}_development)
+  if(component STREQUAL "library")
+    set(development development)
+  endif()
+  install(TARGETS ${ARGN} EXPORT ${export} LIBRARY
+    DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${component} NAMELINK_COMPONENT ${development})
+  install(EXPORT ${export} FILE ${file} NAMESPACE QEXCore::
+    DESTINATION ${package_dir} COMPONENT ${development})
+endfunction()
+
+qexcore_install(library QEXCoreTargets QEXCoreTargets.cmake ${installed})
+if(TARGET QEXCore_gtk)
+  qexcore_install(gtk QEXCoreGtkTargets QEXCoreGtkTargets.cmake QEXCore_gtk)
+endif()
+install(DIRECTORY include/QEXCore_iOS
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 
 configure_package_config_file(cmake/QEXCoreConfig.cmake.in
   ${CMAKE_CURRENT_BINARY_DIR}/QEXCoreConfig.cmake INSTALL_DESTINATION ${package_dir})
@@ -21,7 +38,7 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/QEXCoreConfigVersio
 install(FILES
   ${CMAKE_CURRENT_BINARY_DIR}/QEXCoreConfig.cmake
   ${CMAKE_CURRENT_BINARY_DIR}/QEXCoreConfigVersion.cmake
-  DESTINATION ${package_dir})
+  DESTINATION ${package_dir} COMPONENT development)
 
 # Relative to where they lie, so that a moved installation still works.
 file(RELATIVE_PATH QEXCORE_PC_TO_INCLUDE
@@ -29,8 +46,9 @@ file(RELATIVE_PATH QEXCORE_PC_TO_INCLUDE
 foreach(name qexcore velmoracore)
   configure_file(cmake/${name}.pc.in ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc @ONLY)
 endforeach()
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qexcore.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qexcore.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 if(NOT VELMORA_CORE_ROOT)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/velmoracore.pc
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 endif()
