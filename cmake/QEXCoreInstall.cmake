@@ -1,4 +1,5 @@
-# Install rules: libraries, headers, a CMake package with the component `core`, pkg-config files.
+# Install rules: libraries, headers, a CMake package with the components `core` and, where the screen
+# is built, `gtk`, pkg-config files.
 
 include(CMakePackageConfigHelpers)
 
@@ -7,6 +8,16 @@ set(installed QEXCore_iOS)
 if(NOT VELMORA_CORE_ROOT)
   list(APPEND installed VelmoraCore)
   install(DIRECTORY core/include/VelmoraCore DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+endif()
+
+set(pkg_config_files qexcore)
+if(NOT VELMORA_CORE_ROOT)
+  list(APPEND pkg_config_files velmoracore)
+endif()
+if(QEXCORE_BUILD_GTK)
+  list(APPEND installed QEXCore_gtk)
+  list(APPEND pkg_config_files qexcore-gtk)
+  install(DIRECTORY include/QEXCore_gtk DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 endif()
 
 install(TARGETS ${installed} EXPORT QEXCoreTargets
@@ -26,11 +37,8 @@ install(FILES
 # Relative to where they lie, so that a moved installation still works.
 file(RELATIVE_PATH QEXCORE_PC_TO_INCLUDE
   ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_FULL_INCLUDEDIR})
-foreach(name qexcore velmoracore)
+foreach(name IN LISTS pkg_config_files)
   configure_file(cmake/${name}.pc.in ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc @ONLY)
-endforeach()
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qexcore.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-if(NOT VELMORA_CORE_ROOT)
-  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/velmoracore.pc
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-endif()
+endforeach()
