@@ -62,8 +62,8 @@ TEST(ScreenOfADisplay, HasTheSizeAndScaleOfTheFirstMonitor) {
   Screen::OfProcess();
   const Platform::ScreenMetrics metrics =
       Platform::Gtk4Screen(gdk_display_get_default()).MainScreen();
-  EXPECT_EQ(metrics.width * metrics.scale, 1600);
-  EXPECT_EQ(metrics.height * metrics.scale, 1400);
+  EXPECT_EQ(metrics.width * metrics.scale, 2400);
+  EXPECT_EQ(metrics.height * metrics.scale, 1800);
 }
 
 }  // namespace
