@@ -11,7 +11,7 @@ namespace Platform {
 
 // Files on POSIX. Errors have the domain "platform.files" and the errno value as their code. Child
 // processes inherit nothing that is open here.
-class LinuxFileManager final : public FileManager {
+class LinuxFileManager : public FileManager {
  public:
   std::string CurrentDirectoryPath() const override;
   FileType TypeOfItem(const std::string& path) const override;

@@ -195,7 +195,8 @@ TEST(LinuxFileManager, HidesWhatItOpensForOneOperationFromChildProcesses) {
       {"read", [&] { manager.ReadText(path, nullptr); }},
       {"create", [&] { manager.CreateFile(folder.PathOf("new")); }},
       {"write", [&] { manager.WriteFile(folder.PathOf("written"), "contents", nullptr); }}};
-  for (const auto& [name, operation] : operations) {
+  for (const auto& [name, work] : operations) {
+    const auto& operation = work;  // clang 14 lets no lambda have the binding itself
     std::vector<unsigned long> flags;
     {
       const std::jthread worker([&operation](const std::stop_token& stop) {
