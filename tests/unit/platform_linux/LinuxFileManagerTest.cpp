@@ -195,12 +195,12 @@ TEST(LinuxFileManager, HidesWhatItOpensForOneOperationFromChildProcesses) {
       {"read", [&] { manager.ReadText(path, nullptr); }},
       {"create", [&] { manager.CreateFile(folder.PathOf("new")); }},
       {"write", [&] { manager.WriteFile(folder.PathOf("written"), "contents", nullptr); }}};
-  for (const auto& named : operations) {
-    const char* const name = named.first;
+  for (const auto& [name, work] : operations) {
+    const auto& operation = work;  // clang 14 lets no lambda have the binding itself
     std::vector<unsigned long> flags;
     {
-      const std::jthread worker([&named](const std::stop_token& stop) {
-        while (!stop.stop_requested()) named.second();
+      const std::jthread worker([&operation](const std::stop_token& stop) {
+        while (!stop.stop_requested()) operation();
       });
       EXPECT_TRUE(TestSupport::WaitUntil([&] {
         for (const unsigned long flag : FlagsOfDescriptorsBelow(folder.Path())) {
