@@ -1,5 +1,6 @@
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "QEXCore_iOS/Platform/Host.h"
 #include "platform/headless/HeadlessScreen.h"
@@ -44,6 +45,14 @@ std::shared_ptr<UrlSession> MakeUrlSession(const HostOptions& options,
                             .allowsCleartext = [bundle] { return AllowsArbitraryLoads(*bundle); }});
 }
 
+std::shared_ptr<MainQueue> MakeMainQueue(const HostOptions& options,
+                                         const std::shared_ptr<SystemLog>& systemLog) {
+  if (options.mainQueueThread == HostOptions::MainQueueThread::LoopOrOwn) {
+    return std::make_shared<GlibMainQueue>(systemLog);
+  }
+  return GlibMainQueue::OnLoopOnly(systemLog);
+}
+
 // What people call the application.
 std::string ApplicationName(const Bundle& bundle) {
   for (const char* key : {"CFBundleDisplayName", "CFBundleName"}) {
@@ -53,17 +62,29 @@ std::string ApplicationName(const Bundle& bundle) {
   return ProgramName();
 }
 
+std::shared_ptr<DesktopNotifier> MakeNotifier(const HostOptions& options,
+                                              const std::shared_ptr<Bundle>& bundle,
+                                              const std::shared_ptr<MainQueue>& mainQueue,
+                                              const std::shared_ptr<SystemLog>& systemLog) {
+  auto settings = DesktopNotifier::DefaultSettings([bundle] { return ApplicationName(*bundle); });
+  if (options.notificationOpened) {
+    settings.activated = [mainQueue, opened = options.notificationOpened](const Value& userInfo) {
+      mainQueue->Async([opened, userInfo] { opened(userInfo); });
+    };
+  }
+  return std::make_shared<DesktopNotifier>(std::move(settings), systemLog);
+}
+
 }  // namespace
 
 Host Host::CreateDefault() { return CreateDefault(HostOptions()); }
 
 Host Host::CreateDefault(const HostOptions& options) {
   const auto systemLog = std::make_shared<LinuxSystemLog>();
-  const auto mainQueue = std::make_shared<GlibMainQueue>(systemLog);
+  const auto mainQueue = MakeMainQueue(options, systemLog);
   const auto bundle = std::make_shared<LinuxBundle>();
   const auto uuids = std::make_shared<OpenSslUuidGenerator>();
-  const auto notifier = std::make_shared<DesktopNotifier>(
-      DesktopNotifier::DefaultSettings([bundle] { return ApplicationName(*bundle); }), systemLog);
+  const auto notifier = MakeNotifier(options, bundle, mainQueue, systemLog);
   return {
       .application = std::make_shared<GioApplication>(),
       .base64 = std::make_shared<OpenSslBase64>(),

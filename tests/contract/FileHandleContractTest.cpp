@@ -10,6 +10,7 @@
 
 #include "QEXCore_iOS/Platform/DeviceError.h"
 #include "contract/FileManagerContract.h"
+#include "support/FileSizeLimit.h"
 
 namespace FileManagerContract {
 namespace {
@@ -185,6 +186,34 @@ TYPED_TEST(FileHandleContractTest, ThrowsWhenTheDiskIsFull) {
   EXPECT_EQ(handle->Offset(), 0U);
 }
 
+TYPED_TEST(FileHandleContractTest, TellsHowMuchOfAWriteTheDeviceTook) {
+  const std::string former(200'000, 'a');
+  const auto handle = this->OpenForWriting(former);
+  const std::string bytes(400'000, 'b');
+  {
+    const TestSupport::FileSizeLimit limit(200'010);
+    handle->Seek(100);
+    EXPECT_THROW(this->Write(*handle, bytes), DeviceError);
+    EXPECT_EQ(handle->Offset(), 200'010U);
+    EXPECT_THROW(this->Write(*handle, bytes), DeviceError);
+    EXPECT_EQ(handle->Offset(), 200'010U);
+  }
+  const std::string contents = former.substr(0, 100) + bytes.substr(0, 199'910);
+  EXPECT_TRUE(ReadFileBytes(this->PathOf("file")) == contents);
+}
+
+TYPED_TEST(FileHandleContractTest, EndsWhereTheFileHasShrunkTo) {
+  const auto handle = this->OpenForReading(std::string(300'000, 'a'));
+  EXPECT_EQ(this->Read(*handle, 10), std::string(10, 'a'));
+  fs::resize_file(this->PathOf("file"), 100'000);
+  handle->Seek(99'990);
+  EXPECT_EQ(this->Read(*handle, 1'000), std::string(10, 'a'));
+  EXPECT_EQ(handle->Offset(), 100'000U);
+  EXPECT_EQ(this->Read(*handle, 200'000), "");
+  handle->Seek(250'000);
+  EXPECT_EQ(this->Read(*handle, 10), "");
+}
+
 TYPED_TEST(FileHandleContractTest, ThrowsForAnOffsetThatNoFileReaches) {
   const auto handle = this->OpenForWriting("abc");
   handle->Seek(std::numeric_limits<std::uint64_t>::max());
@@ -224,10 +253,12 @@ TYPED_TEST(FileHandleContractTest, ThrowsForEverythingOnceClosed) {
 }
 
 TYPED_TEST(FileHandleContractTest, HidesItsDescriptorFromChildProcesses) {
-  const auto handle = this->OpenForReading("abc");
-  const auto descriptor = this->DescriptorOf(this->PathOf("file"));
-  ASSERT_TRUE(descriptor);
-  EXPECT_NE(::fcntl(*descriptor, F_GETFD) & FD_CLOEXEC, 0);
+  for (const bool isWriting : {false, true}) {
+    const auto handle = isWriting ? this->OpenForWriting("abc") : this->OpenForReading("abc");
+    const auto descriptor = this->DescriptorOf(this->PathOf("file"));
+    ASSERT_TRUE(descriptor) << isWriting;
+    EXPECT_NE(::fcntl(*descriptor, F_GETFD) & FD_CLOEXEC, 0) << isWriting;
+  }
 }
 
 TYPED_TEST(FileHandleContractTest, ClosesItsDescriptorWithCloseOrWithTheObject) {

@@ -158,6 +158,21 @@ TYPED_TEST(FileManagerContractTest, NamesThePathThatCannotBecomeADirectory) {
   EXPECT_TRUE(fs::is_regular_file(file));
 }
 
+TYPED_TEST(FileManagerContractTest, MakesDirectoriesByWayOfLinksAndDots) {
+  fs::create_directory(this->PathOf("folder"));
+  fs::create_directory_symlink("folder", this->PathOf("link"));
+  fs::create_symlink("nothing", this->PathOf("dangling"));
+  EXPECT_TRUE(this->manager_.CreateDirectory(this->PathOf("link/a//./b/../c"), nullptr));
+  EXPECT_TRUE(fs::is_directory(this->PathOf("folder/a/b")));
+  EXPECT_TRUE(fs::is_directory(this->PathOf("folder/a/c")));
+  EXPECT_TRUE(this->manager_.CreateDirectory(this->PathOf("link"), nullptr));
+  Error error;
+  EXPECT_FALSE(this->manager_.CreateDirectory(this->PathOf("dangling"), &error));
+  EXPECT_EQ(error.LocalizedDescription(),
+            "Cannot create the directory \"" + this->PathOf("dangling") + "\": File exists.");
+  EXPECT_FALSE(this->manager_.CreateDirectory(this->PathOf("dangling/a"), nullptr));
+}
+
 TYPED_TEST(FileManagerContractTest, MakesOneDirectoryForManyThreads) {
   constexpr int kRounds = 50;
   for (int round = 0; round < kRounds; ++round) {

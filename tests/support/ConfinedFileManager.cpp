@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "QEXCore_iOS/Platform/DeviceError.h"
-#include "platform/linux/LinuxFileManager.h"
 
 namespace TestSupport {
 
@@ -32,9 +31,7 @@ class ConfinedFileManager::Handle final : public Platform::FileHandle {
 };
 
 ConfinedFileManager::ConfinedFileManager(std::string root, std::uint64_t bytesToWrite)
-    : real_(std::make_unique<Platform::LinuxFileManager>()),
-      root_(std::move(root)),
-      bytesToWrite_(bytesToWrite) {}
+    : root_(std::move(root)), bytesToWrite_(bytesToWrite) {}
 
 ConfinedFileManager::~ConfinedFileManager() = default;
 
@@ -50,75 +47,38 @@ bool ConfinedFileManager::Permits(const std::string& path, Platform::Error* erro
   return false;
 }
 
-std::string ConfinedFileManager::CurrentDirectoryPath() const {
-  return real_->CurrentDirectoryPath();
-}
-
-Platform::FileType ConfinedFileManager::TypeOfItem(const std::string& path) const {
-  return real_->TypeOfItem(path);
-}
-
-bool ConfinedFileManager::IsSameItem(const std::string& path, const std::string& other) const {
-  return real_->IsSameItem(path, other);
-}
-
 bool ConfinedFileManager::IsWritable(const std::string& path) const {
-  return Permits(path, nullptr) && real_->IsWritable(path);
+  return Permits(path, nullptr) && LinuxFileManager::IsWritable(path);
 }
 
 bool ConfinedFileManager::CreateDirectory(const std::string& path, Platform::Error* error) {
-  return Permits(path, error) && real_->CreateDirectory(path, error);
+  return Permits(path, error) && LinuxFileManager::CreateDirectory(path, error);
 }
 
 bool ConfinedFileManager::RemoveItem(const std::string& path, Platform::Error* error) {
-  return Permits(path, error) && real_->RemoveItem(path, error);
+  return Permits(path, error) && LinuxFileManager::RemoveItem(path, error);
 }
 
 bool ConfinedFileManager::RemoveFileOrEmptyDirectory(const std::string& path,
                                                      Platform::Error* error) {
-  return Permits(path, error) && real_->RemoveFileOrEmptyDirectory(path, error);
-}
-
-std::vector<Platform::DirectoryEntry> ConfinedFileManager::ContentsOfDirectory(
-    const std::string& path, Platform::Error* error) const {
-  return real_->ContentsOfDirectory(path, error);
-}
-
-std::optional<Platform::FileAttributes> ConfinedFileManager::AttributesOfItem(
-    const std::string& path) const {
-  return real_->AttributesOfItem(path);
-}
-
-std::optional<std::string> ConfinedFileManager::ReadText(const std::string& path,
-                                                         Platform::Error* error) const {
-  return real_->ReadText(path, error);
+  return Permits(path, error) && LinuxFileManager::RemoveFileOrEmptyDirectory(path, error);
 }
 
 bool ConfinedFileManager::CreateFile(const std::string& path) {
-  return Permits(path, nullptr) && real_->CreateFile(path);
+  return Permits(path, nullptr) && LinuxFileManager::CreateFile(path);
 }
 
 bool ConfinedFileManager::WriteFile(const std::string& path, std::string_view bytes,
                                     Platform::Error* error) {
   if (!Permits(path, error) || bytes.size() > bytesToWrite_) return false;
   bytesToWrite_ -= bytes.size();
-  return real_->WriteFile(path, bytes, error);
-}
-
-std::unique_ptr<Platform::FileHandle> ConfinedFileManager::OpenForReading(const std::string& path) {
-  return real_->OpenForReading(path);
+  return LinuxFileManager::WriteFile(path, bytes, error);
 }
 
 std::unique_ptr<Platform::FileHandle> ConfinedFileManager::OpenForWriting(const std::string& path) {
   if (!Permits(path, nullptr)) return nullptr;
-  auto handle = real_->OpenForWriting(path);
+  auto handle = LinuxFileManager::OpenForWriting(path);
   return handle ? std::make_unique<Handle>(std::move(handle), bytesToWrite_) : nullptr;
-}
-
-std::string ConfinedFileManager::CachesDirectory() const { return real_->CachesDirectory(); }
-
-std::string ConfinedFileManager::GroupContainerDirectory(const std::string& group) const {
-  return real_->GroupContainerDirectory(group);
 }
 
 }  // namespace TestSupport

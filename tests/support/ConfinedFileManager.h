@@ -5,16 +5,15 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "QEXCore_iOS/Platform/FileManager.h"
+#include "platform/linux/LinuxFileManager.h"
 
 namespace TestSupport {
 
 // The real file system, of which nothing can be changed outside one directory: what tries to fails
 // as it does without permission. Links are not looked at, so none may lead out of the directory.
 // Belongs to one thread.
-class ConfinedFileManager final : public Platform::FileManager {
+class ConfinedFileManager final : public Platform::LinuxFileManager {
  public:
   static constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
 
@@ -28,24 +27,13 @@ class ConfinedFileManager final : public Platform::FileManager {
   // What is left of them.
   std::uint64_t BytesToWrite() const { return bytesToWrite_; }
 
-  std::string CurrentDirectoryPath() const override;
-  Platform::FileType TypeOfItem(const std::string& path) const override;
-  bool IsSameItem(const std::string& path, const std::string& other) const override;
   bool IsWritable(const std::string& path) const override;
   bool CreateDirectory(const std::string& path, Platform::Error* error) override;
   bool RemoveItem(const std::string& path, Platform::Error* error) override;
   bool RemoveFileOrEmptyDirectory(const std::string& path, Platform::Error* error) override;
-  std::vector<Platform::DirectoryEntry> ContentsOfDirectory(const std::string& path,
-                                                            Platform::Error* error) const override;
-  std::optional<Platform::FileAttributes> AttributesOfItem(const std::string& path) const override;
-  std::optional<std::string> ReadText(const std::string& path,
-                                      Platform::Error* error) const override;
   bool CreateFile(const std::string& path) override;
   bool WriteFile(const std::string& path, std::string_view bytes, Platform::Error* error) override;
-  std::unique_ptr<Platform::FileHandle> OpenForReading(const std::string& path) override;
   std::unique_ptr<Platform::FileHandle> OpenForWriting(const std::string& path) override;
-  std::string CachesDirectory() const override;
-  std::string GroupContainerDirectory(const std::string& group) const override;
 
  private:
   class Handle;
@@ -53,7 +41,6 @@ class ConfinedFileManager final : public Platform::FileManager {
   bool IsInside(const std::string& path) const;
   bool Permits(const std::string& path, Platform::Error* error) const;
 
-  const std::unique_ptr<Platform::FileManager> real_;
   const std::string root_;
   std::uint64_t bytesToWrite_;
 };

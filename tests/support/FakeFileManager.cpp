@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "QEXCore_iOS/Platform/DeviceError.h"
-#include "platform/linux/LinuxFileManager.h"
 
 namespace TestSupport {
 
@@ -94,9 +93,7 @@ class FakeFileManager::Handle final : public Platform::FileHandle {
 };
 
 FakeFileManager::FakeFileManager()
-    : real_(std::make_unique<Platform::LinuxFileManager>()),
-      faults_(std::make_shared<Faults>()),
-      cachesDirectory_(folder_.PathOf("caches")) {}
+    : faults_(std::make_shared<Faults>()), cachesDirectory_(folder_.PathOf("caches")) {}
 
 FakeFileManager::~FakeFileManager() = default;
 
@@ -119,70 +116,53 @@ void FakeFileManager::SetGroupContainerDirectory(const std::string& group,
   groupContainers_.With([&](auto& containers) { containers[group] = path; });
 }
 
-std::string FakeFileManager::CurrentDirectoryPath() const { return real_->CurrentDirectoryPath(); }
-
-Platform::FileType FakeFileManager::TypeOfItem(const std::string& path) const {
-  return real_->TypeOfItem(path);
-}
-
-bool FakeFileManager::IsSameItem(const std::string& path, const std::string& other) const {
-  return real_->IsSameItem(path, other);
-}
-
-bool FakeFileManager::IsWritable(const std::string& path) const { return real_->IsWritable(path); }
-
 bool FakeFileManager::CreateDirectory(const std::string& path, Platform::Error* error) {
   if (faults_->Strikes(FileFault::CreateDirectory, error)) return false;
-  return real_->CreateDirectory(path, error);
+  return LinuxFileManager::CreateDirectory(path, error);
 }
 
 bool FakeFileManager::RemoveItem(const std::string& path, Platform::Error* error) {
   if (faults_->Strikes(FileFault::RemoveItem, error)) return false;
-  return real_->RemoveItem(path, error);
+  return LinuxFileManager::RemoveItem(path, error);
 }
 
 bool FakeFileManager::RemoveFileOrEmptyDirectory(const std::string& path, Platform::Error* error) {
   if (faults_->Strikes(FileFault::RemoveItem, error)) return false;
-  return real_->RemoveFileOrEmptyDirectory(path, error);
+  return LinuxFileManager::RemoveFileOrEmptyDirectory(path, error);
 }
 
 std::vector<Platform::DirectoryEntry> FakeFileManager::ContentsOfDirectory(
     const std::string& path, Platform::Error* error) const {
   if (faults_->Strikes(FileFault::ContentsOfDirectory, error)) return {};
-  return real_->ContentsOfDirectory(path, error);
-}
-
-std::optional<Platform::FileAttributes> FakeFileManager::AttributesOfItem(
-    const std::string& path) const {
-  return real_->AttributesOfItem(path);
+  return LinuxFileManager::ContentsOfDirectory(path, error);
 }
 
 std::optional<std::string> FakeFileManager::ReadText(const std::string& path,
                                                      Platform::Error* error) const {
   if (faults_->Strikes(FileFault::ReadText, error)) return std::nullopt;
-  return real_->ReadText(path, error);
+  return LinuxFileManager::ReadText(path, error);
 }
 
 bool FakeFileManager::CreateFile(const std::string& path) {
   if (faults_->Strikes(FileFault::CreateFile, nullptr)) return false;
-  return real_->CreateFile(path);
+  return LinuxFileManager::CreateFile(path);
 }
 
 bool FakeFileManager::WriteFile(const std::string& path, std::string_view bytes,
                                 Platform::Error* error) {
   if (faults_->Strikes(FileFault::WriteFile, error)) return false;
-  return real_->WriteFile(path, bytes, error);
+  return LinuxFileManager::WriteFile(path, bytes, error);
 }
 
 std::unique_ptr<Platform::FileHandle> FakeFileManager::OpenForReading(const std::string& path) {
   if (faults_->Strikes(FileFault::OpenForReading, nullptr)) return nullptr;
-  auto handle = real_->OpenForReading(path);
+  auto handle = LinuxFileManager::OpenForReading(path);
   return handle ? std::make_unique<Handle>(std::move(handle), faults_) : nullptr;
 }
 
 std::unique_ptr<Platform::FileHandle> FakeFileManager::OpenForWriting(const std::string& path) {
   if (faults_->Strikes(FileFault::OpenForWriting, nullptr)) return nullptr;
-  auto handle = real_->OpenForWriting(path);
+  auto handle = LinuxFileManager::OpenForWriting(path);
   return handle ? std::make_unique<Handle>(std::move(handle), faults_) : nullptr;
 }
 

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "QEXCore_iOS/Platform/FileManager.h"
+#include "platform/linux/LinuxFileManager.h"
 #include "support/Guarded.h"
 #include "support/TemporaryDirectory.h"
 
@@ -32,7 +32,7 @@ enum class FileFault {
 
 // The real file system, with caches and group containers in a temporary folder of its own, and with
 // faults that tests switch on and off. Safe from any thread.
-class FakeFileManager final : public Platform::FileManager {
+class FakeFileManager final : public Platform::LinuxFileManager {
  public:
   FakeFileManager();
   ~FakeFileManager() override;
@@ -56,16 +56,11 @@ class FakeFileManager final : public Platform::FileManager {
   void SetCachesDirectory(const std::string& path) { cachesDirectory_.Set(path); }
   void SetGroupContainerDirectory(const std::string& group, const std::string& path);
 
-  std::string CurrentDirectoryPath() const override;
-  Platform::FileType TypeOfItem(const std::string& path) const override;
-  bool IsSameItem(const std::string& path, const std::string& other) const override;
-  bool IsWritable(const std::string& path) const override;
   bool CreateDirectory(const std::string& path, Platform::Error* error) override;
   bool RemoveItem(const std::string& path, Platform::Error* error) override;
   bool RemoveFileOrEmptyDirectory(const std::string& path, Platform::Error* error) override;
   std::vector<Platform::DirectoryEntry> ContentsOfDirectory(const std::string& path,
                                                             Platform::Error* error) const override;
-  std::optional<Platform::FileAttributes> AttributesOfItem(const std::string& path) const override;
   std::optional<std::string> ReadText(const std::string& path,
                                       Platform::Error* error) const override;
   bool CreateFile(const std::string& path) override;
@@ -85,7 +80,6 @@ class FakeFileManager final : public Platform::FileManager {
   class Handle;
 
   TemporaryDirectory folder_;
-  std::unique_ptr<Platform::FileManager> real_;
   std::shared_ptr<Faults> faults_;
   Guarded<std::string> cachesDirectory_;
   Guarded<std::map<std::string, std::string>> groupContainers_;

@@ -1,6 +1,7 @@
 #include "support/FakeWindow.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "support/FakeViews.h"
 
@@ -21,6 +22,15 @@ void FakeWindow::BringSubviewToFront(const std::shared_ptr<Platform::View>& view
 
 void FakeWindow::Remove(const Platform::View* view) {
   std::erase_if(subviews, [view](const auto& each) { return each.get() == view; });
+}
+
+void FakeWindow::Close() {
+  const auto gone = std::exchange(subviews, {});
+  for (const auto& view : gone) {
+    auto* web = dynamic_cast<FakeWebView*>(view.get());
+    const auto delegate = web == nullptr ? nullptr : web->delegate.lock();
+    if (delegate) delegate->DidLoseWindow();
+  }
 }
 
 }  // namespace TestSupport

@@ -28,6 +28,9 @@ class FakeWindow final : public Platform::Window, public std::enable_shared_from
   void AddSubview(const std::shared_ptr<Platform::View>& view) override;
   void BringSubviewToFront(const std::shared_ptr<Platform::View>& view) override;
   void Remove(const Platform::View* view);
+
+  // The window goes, and the views in it.
+  void Close();
 };
 
 }  // namespace TestSupport

@@ -38,6 +38,18 @@ class CheckLayers(unittest.TestCase):
     def test_a_service_may_not_look_up(self):
         self.assert_refused("src/services/json/A.cpp", '#include "bridge/PlatformServices.h"')
 
+    def test_gtk_stays_in_its_folder(self):
+        self.assert_accepted("src/platform/gtk/A.cpp", "#include <gtk/gtk.h>")
+        self.assert_accepted("src/platform/gtk/A.cpp", "#include <webkit/webkit.h>")
+        self.assert_refused("src/platform/linux/A.cpp", "#include <gtk/gtk.h>")
+        self.assert_refused("include/QEXCore_gtk/A.h", "#include <gtk/gtk.h>")
+        self.assert_refused("src/services/ui/A.cpp", "#include <webkit/webkit.h>")
+
+    def test_gtk_takes_nothing_of_linux_but_the_owners_of_glib(self):
+        self.assert_accepted("src/platform/gtk/A.cpp", '#include "platform/linux/GlibPointers.h"')
+        self.assert_refused("src/platform/gtk/A.cpp", '#include "platform/linux/GlibMainQueue.h"')
+        self.assert_refused("src/platform/DefaultHost.cpp", '#include "QEXCore_gtk/Gtk.h"')
+
     def test_nobody_names_the_linux_ports(self):
         self.assert_refused("src/services/json/A.cpp", '#include "platform/linux/LinuxBundle.h"')
         self.assert_refused("src/bridge/A.cpp", '#include "platform/linux/LinuxBundle.h"')

@@ -36,11 +36,12 @@ inline constexpr const char* kFilePath = "filePath";
 inline constexpr const char* kUpdate = "update";
 inline constexpr const char* kPrivacyStatus = "privacyStatus";
 
-// Of an identity request, one of the first two; the response to an identity query holds the last,
-// a JSON object as text.
+// Of an identity request, one of the first two; the response to an identity query holds the third,
+// a JSON object as text. The last is a member of that object, and of hits.
 inline constexpr const char* kPushIdentifier = "pushIdentifier";
 inline constexpr const char* kAdvertisingIdentifier = "advertisingIdentifier";
 inline constexpr const char* kIdentities = "identities";
+inline constexpr const char* kVisitorId = "visitorId";
 
 // Of lifecycle events: one of Phases.
 inline constexpr const char* kPhase = "phase";
@@ -51,8 +52,22 @@ inline constexpr const char* kState = "state";
 inline constexpr const char* kContextData = "contextdata";
 inline constexpr const char* kTimestamp = "timestamp";  // milliseconds since 1970
 
+// Of a prepared analytics event: the id of the hit, which no other hit has.
+inline constexpr const char* kHitId = "hitId";
+
+// Of the response to an analytics query, numbers of hits: those that wait, and those that were sent
+// and dropped since the core was made.
+inline constexpr const char* kQueued = "queued";
+inline constexpr const char* kSent = "sent";
+inline constexpr const char* kDropped = "dropped";
+
 // A map of the data collected.
 inline constexpr const char* kCollected = "collected";
+
+// Of a rules response: the rule's id, which of its consequences, and one of RuleOutcomes.
+inline constexpr const char* kRule = "rule";
+inline constexpr const char* kConsequence = "consequence";
+inline constexpr const char* kOutcome = "outcome";
 
 // The module whose shared state has changed.
 inline constexpr const char* kStateOwner = "stateOwner";
@@ -65,5 +80,18 @@ inline constexpr const char* kStart = "start";
 inline constexpr const char* kPause = "pause";
 
 }  // namespace Phases
+
+// What becomes of a consequence of a rule, and what the user does with it.
+namespace RuleOutcomes {
+
+inline constexpr const char* kFired = "fired";          // the rule asked for it
+inline constexpr const char* kShown = "shown";          // it came on screen
+inline constexpr const char* kDismissed = "dismissed";  // it left the screen
+inline constexpr const char* kPositive = "positive";    // the positive button of an alert
+inline constexpr const char* kNegative = "negative";    // the negative one
+inline constexpr const char* kLink = "link";            // a link of a message
+inline constexpr const char* kTapped = "tapped";        // the floating button
+
+}  // namespace RuleOutcomes
 
 }  // namespace Velmora

@@ -283,6 +283,15 @@ void EventHub::TellOwnModules(const std::string& topic, const std::shared_ptr<Ev
   tell(ownWildcardListeners_);
 }
 
+void EventHub::EndOwnModules() const {
+  for (const OwnModule& own : ownModules_) {
+    TryCatch([&] { own.module->End(); },
+             [&](SdkError& error) {
+               Log::Error(kLogTag, "module %s: its end failed: %s", own.name.c_str(), error.what());
+             });
+  }
+}
+
 void EventHub::CallWhenModulesAreRegistered(const std::function<void()>& callback) {
   if (*followers_ >= limits_.callbacks.items) {
     callbacks_.CountRefused();
@@ -409,6 +418,7 @@ void EventHub::Dispose(std::chrono::milliseconds timeout) {
   const std::size_t events = queue_.Stop();
   queue_.Join();
   clock_->Stop();
+  EndOwnModules();
   const ModuleRegistry::Hosts hosts = modules_.All();
   for (const auto& host : hosts) host->WaitUntilIdle(deadline);
   std::size_t moduleEvents = 0;

@@ -143,6 +143,7 @@ class EventHub : public std::enable_shared_from_this<EventHub> {
   void CallResponseWaiters(const std::shared_ptr<Event>& event, std::size_t bytes);
   void TellOfFirstEvent(const std::shared_ptr<Event>& event);
   void TellOwnModules(const std::string& topic, const std::shared_ptr<Event>& event) const;
+  void EndOwnModules() const;
   void CallWhenModulesAreRegistered(const std::function<void()>& callback);
 
   void Call(std::function<void()> callback, std::size_t bytes = 0);

@@ -63,6 +63,10 @@ class HubModule {
   // `hub` outlives the module.
   virtual void Attach(HubContext& hub) = 0;
 
+  // Comes once, after everything else, on the thread that disposes the hub and before the services
+  // are disposed; also when there never was an event. Not for long: the core's end waits for it.
+  virtual void End() {}
+
   // Comes before any module's handler; what `event` is does not matter.
   virtual void BeforeFirstEvent([[maybe_unused]] const std::shared_ptr<Event>& event) {}
 };

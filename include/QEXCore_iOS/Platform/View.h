@@ -54,6 +54,9 @@ class QEXCORE_API WebViewDelegate {
 
   // A view of the legacy kind is about to go to `url`; true lets it go there.
   virtual bool ShouldStartLoad(const std::string& url) = 0;
+
+  // The window that the view lay in has gone, and the view with it.
+  virtual void DidLoseWindow() = 0;
 };
 
 enum class WebViewKind { Modern, Legacy };

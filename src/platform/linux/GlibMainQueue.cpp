@@ -29,6 +29,11 @@ class GlibMainQueue::Timer final : public MainQueueTimer {
 GlibMainQueue::GlibMainQueue(std::shared_ptr<SystemLog> systemLog)
     : GlibMainQueue(std::make_shared<MainQueueCore>(std::move(systemLog), nullptr, kGrace)) {}
 
+std::shared_ptr<GlibMainQueue> GlibMainQueue::OnLoopOnly(std::shared_ptr<SystemLog> systemLog) {
+  return std::make_shared<GlibMainQueue>(
+      std::make_shared<MainQueueCore>(std::move(systemLog), nullptr, MainQueueCore::kNoEndOfGrace));
+}
+
 GlibMainQueue::GlibMainQueue(std::shared_ptr<MainQueueCore> core) : core_(std::move(core)) {}
 
 GlibMainQueue::~GlibMainQueue() { core_->Stop(); }

@@ -27,6 +27,9 @@ class GlibMainQueue final : public MainQueue {
   // Follows GLib's default context, with a quarter of a second of grace.
   explicit GlibMainQueue(std::shared_ptr<SystemLog> systemLog);
 
+  // One that follows GLib's default context alone: work waits until that is run.
+  static std::shared_ptr<GlibMainQueue> OnLoopOnly(std::shared_ptr<SystemLog> systemLog);
+
   // Follows the context of `core`, which no other queue may use.
   explicit GlibMainQueue(std::shared_ptr<MainQueueCore> core);
 

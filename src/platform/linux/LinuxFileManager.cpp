@@ -17,6 +17,7 @@
 #include <unistd.h>
 
 #include "QEXCore_iOS/Platform/Utf8.h"
+#include "platform/linux/DirectoryCreation.h"
 #include "platform/linux/FileDescriptor.h"
 #include "platform/linux/FileErrors.h"
 #include "platform/linux/FileReplacement.h"
@@ -176,10 +177,10 @@ bool LinuxFileManager::IsWritable(const std::string& path) const {
 }
 
 bool LinuxFileManager::CreateDirectory(const std::string& path, Error* error) {
-  std::error_code failure(FaultOfPath(path), std::generic_category());
-  if (!failure) fs::create_directories(path, failure);
-  if (!failure) return true;
-  WriteFileError(error, "create the directory", path, failure.value());
+  int failure = FaultOfPath(path);
+  if (failure == 0) failure = CreateDirectories(path, 0777);
+  if (failure == 0) return true;
+  WriteFileError(error, "create the directory", path, failure);
   return false;
 }
 

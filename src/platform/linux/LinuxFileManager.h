@@ -9,8 +9,9 @@
 
 namespace Platform {
 
-// Files on POSIX. Errors have the domain "platform.files" and the errno value as their code.
-class LinuxFileManager final : public FileManager {
+// Files on POSIX. Errors have the domain "platform.files" and the errno value as their code. Child
+// processes inherit nothing that is open here.
+class LinuxFileManager : public FileManager {
  public:
   std::string CurrentDirectoryPath() const override;
   FileType TypeOfItem(const std::string& path) const override;

@@ -90,7 +90,12 @@ void MainQueueCore::Run() {
   Lock lock(mutex_);
   if (isStopped_) return;
   probe_ = Attach(&MainQueueCore::OnContextRuns);
-  changed_.wait_for(lock, grace_, [this] { return contextRuns_ || isStopped_; });
+  const auto isDecided = [this] { return contextRuns_ || isStopped_; };
+  if (grace_ == kNoEndOfGrace) {
+    changed_.wait(lock, isDecided);
+  } else {
+    changed_.wait_for(lock, grace_, isDecided);
+  }
   while (!isStopped_) {
     QueueDueTicks();
     if (waiting_.empty() || handOver_ != nullptr) {

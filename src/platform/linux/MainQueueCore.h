@@ -24,6 +24,9 @@ class MainQueueCore : public std::enable_shared_from_this<MainQueueCore> {
   using Clock = std::chrono::steady_clock;
   using Work = std::function<void()>;
 
+  // A grace that is always long enough: without a loop, work waits for one.
+  static constexpr std::chrono::milliseconds kNoEndOfGrace = std::chrono::milliseconds::max();
+
   // A repeating piece of work; guarded by the core's lock, save for `work`, which never changes.
   struct Tick {
     Work work;

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/linux/DirectoryCreation.h"
 #include "platform/linux/FileErrors.h"
 
 namespace Platform {
@@ -17,14 +18,6 @@ using Failure = SqliteUserDefaultsError;
 
 bool CannotBeUsed(const Failure& error) {
   return error.GetKind() == Failure::Kind::Damaged || error.GetKind() == Failure::Kind::Foreign;
-}
-
-void MakeFolders(const std::string& path) {
-  for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
-    const std::string folder = path.substr(0, end);
-    if (::mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) throw Failure::OfSystem(errno);
-    if (end == std::string::npos) return;
-  }
 }
 
 std::string TimeStamp() {
@@ -176,7 +169,7 @@ void SqliteUserDefaultsStore::EnsureOpen() {
     throw Failure(Failure::Kind::Failed, "neither XDG_DATA_HOME nor HOME names a folder for it");
   }
   Close();
-  MakeFolders(folder_);
+  if (const int failure = CreateDirectories(folder_, 0700)) throw Failure::OfSystem(failure);
   generation_ = std::make_unique<SqliteUserDefaultsGeneration>(path_ + "-generation", patience_);
   const SqliteUserDefaultsGeneration::Lock lock(*generation_, patience_);
   incarnation_ = generation_->Incarnation();

@@ -113,6 +113,8 @@ bool KRVFullScreenHandler::ShouldStartLoad(const std::string& url) {
   return !ListenerOverrides(url);
 }
 
+void KRVFullScreenHandler::DidLoseWindow() { dismiss(); }
+
 void KRVFullScreenHandler::Build(const std::shared_ptr<Message>& message) {
   WebViewKind kind = WebViewKind::Modern;
   Velmora::TryCatch(

@@ -45,6 +45,9 @@ class KRVFullScreenHandler : public Platform::WebViewDelegate,
   void DecidePolicy(const std::string& url, const std::function<void(bool allow)>& decide) override;
   bool ShouldStartLoad(const std::string& url) override;
 
+  // The message cannot be seen any more, so it is dismissed.
+  void DidLoseWindow() override;
+
  private:
   void Build(const std::shared_ptr<Message>& message);
   std::shared_ptr<Platform::WebView> MakeWebView(Platform::WebViewKind kind,

@@ -126,6 +126,15 @@ TEST_F(DirectoryHandlerImplTest, MakesNoFileHandlerWhereNoFileCanBe) {
   EXPECT_EQ(Here()->CreateFileHandlerInDirectory("new/file"), nullptr);
 }
 
+TEST_F(DirectoryHandlerImplTest, MovesIntoNoLoopOfLinks) {
+  std::filesystem::create_symlink("loop", PathOf("loop"));
+  const auto directory = DirectoryHandlerInterface::CreateFromPath(folder_.Path());
+  EXPECT_FALSE(directory->MoveToSubDirectory("loop", true));
+  EXPECT_FALSE(directory->MoveToSubDirectory("loop/below", true));
+  EXPECT_EQ(directory->CreateFileHandlerInDirectory("loop/file"), nullptr);
+  EXPECT_EQ(directory->GetPath(), folder_.Path());
+}
+
 TEST_F(DirectoryHandlerImplTest, WorksFromARelativeDirectory) {
   const ScopedCurrentDirectory here(folder_.Path());
   const auto file = At("")->CreateFileHandlerInDirectory("file");

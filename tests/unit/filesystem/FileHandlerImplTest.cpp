@@ -1,10 +1,10 @@
 #include <limits>
-#include <string_view>
 
 #include <sys/stat.h>
 
 #include "QEXCore_iOS/Platform/Host.h"
 #include "services/filesystem/FileHandlerImpl.h"
+#include "support/FileSizeLimit.h"
 #include "unit/filesystem/FileSystemFixture.h"
 
 namespace {
@@ -18,17 +18,6 @@ class FileHandlerImplTest : public FileSystemFixture {
  protected:
   std::shared_ptr<FileHandlerInterface> HandlerOf(const std::string& name) const {
     return CreateNativeFileHandler(PathOf(name));
-  }
-
-  static std::uint32_t Write(FileHandlerInterface& handler, std::string_view text) {
-    return handler.Write(static_cast<std::uint32_t>(text.size()),
-                         reinterpret_cast<const std::uint8_t*>(text.data()));
-  }
-
-  static std::string Read(FileHandlerInterface& handler, std::uint32_t count) {
-    std::string text(count, '?');
-    text.resize(handler.Read(count, reinterpret_cast<std::uint8_t*>(text.data())));
-    return text;
   }
 };
 
@@ -210,6 +199,48 @@ TEST_F(FileHandlerImplTest, TellsHowMuchWasWrittenWhenTheDiskIsFull) {
   EXPECT_EQ(Write(*handler, "def"), 2U);
   EXPECT_EQ(Write(*handler, "ghi"), 0U);
   EXPECT_EQ(ReadFileBytes(PathOf("file")), "abcde");
+}
+
+TEST_F(FileHandlerImplTest, TellsHowMuchOfOneWriteTheSystemTook) {
+  const auto handler = HandlerOf("file");
+  ASSERT_TRUE(handler->OpenForWriting());
+  const std::string bytes(100'000, 'b');
+  {
+    const TestSupport::FileSizeLimit limit(70'000);
+    EXPECT_EQ(Write(*handler, bytes), 70'000U);
+    EXPECT_EQ(Write(*handler, bytes), 0U);
+  }
+  EXPECT_EQ(Write(*handler, "end"), 3U);
+  EXPECT_TRUE(handler->Close());
+  EXPECT_TRUE(ReadFileBytes(PathOf("file")) == bytes.substr(0, 70'000) + "end");
+}
+
+TEST_F(FileHandlerImplTest, EndsWhereAFileHasShrunkTo) {
+  const std::string path = WriteFile("file", std::string(300'000, 'x'));
+  const auto handler = HandlerOf("file");
+  ASSERT_TRUE(handler->OpenForReading());
+  EXPECT_EQ(Read(*handler, 128), std::string(128, 'x'));
+  std::filesystem::resize_file(path, 150'000);
+  ASSERT_TRUE(handler->MoveToOffset(149'900));
+  std::string buffer(1'000, '?');
+  EXPECT_EQ(handler->Read(1'000, reinterpret_cast<std::uint8_t*>(buffer.data())), 100U);
+  EXPECT_EQ(buffer, std::string(100, 'x') + std::string(900, '\0'));
+  EXPECT_EQ(Read(*handler, 1), "");
+  ASSERT_TRUE(handler->MoveToOffset(200'000));
+  EXPECT_EQ(Read(*handler, 1), "");
+  EXPECT_EQ(handler->Size(), 150'000);
+}
+
+TEST_F(FileHandlerImplTest, FollowsLinks) {
+  WriteFile("file", std::string(1'000, 'x'));
+  std::filesystem::create_symlink("file", PathOf("link"));
+  std::filesystem::create_symlink("loop", PathOf("loop"));
+  EXPECT_EQ(HandlerOf("link")->Size(), 1'000);
+  EXPECT_EQ(HandlerOf("link")->LastModified(), HandlerOf("file")->LastModified());
+  EXPECT_EQ(HandlerOf("loop")->Size(), 0);
+  EXPECT_EQ(HandlerOf("loop")->LastModified().time_since_epoch().count(), 0);
+  EXPECT_FALSE(HandlerOf("loop")->OpenForReading());
+  EXPECT_FALSE(HandlerOf("loop")->OpenForWriting());
 }
 
 TEST_F(FileHandlerImplTest, WritesNothingToAFullDevice) {

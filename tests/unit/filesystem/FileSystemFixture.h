@@ -2,9 +2,11 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 #include <gmock/gmock.h>
 
+#include "VelmoraCore/FileHandlerInterface.h"
 #include "support/FakeHost.h"
 #include "support/LogCapture.h"
 #include "support/TemporaryDirectory.h"
@@ -19,6 +21,17 @@ class FileSystemFixture : public testing::Test {
   }
   static bool Exists(const std::string& path) {
     return std::filesystem::exists(std::filesystem::symlink_status(path));
+  }
+
+  static std::uint32_t Write(Velmora::FileHandlerInterface& handler, std::string_view text) {
+    return handler.Write(static_cast<std::uint32_t>(text.size()),
+                         reinterpret_cast<const std::uint8_t*>(text.data()));
+  }
+
+  static std::string Read(Velmora::FileHandlerInterface& handler, std::uint32_t count) {
+    std::string text(count, '?');
+    text.resize(handler.Read(count, reinterpret_cast<std::uint8_t*>(text.data())));
+    return text;
   }
 
   TestSupport::TemporaryDirectory folder_;

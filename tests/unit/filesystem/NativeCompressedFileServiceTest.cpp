@@ -11,6 +11,8 @@ using TestSupport::StoredEntry;
 using Velmora::CompressedFileType;
 using Velmora::CreateNativeCompressedFileService;
 
+namespace fs = std::filesystem;
+
 using NativeCompressedFileServiceTest = ZipFixture;
 
 TEST_F(NativeCompressedFileServiceTest, UnpacksEveryEntryIntoANewDirectory) {
@@ -30,11 +32,7 @@ TEST_F(NativeCompressedFileServiceTest, TouchesNothingForOtherTypes) {
 }
 
 TEST_F(NativeCompressedFileServiceTest, ThrowsForAnArchiveThatIsMissing) {
-  EXPECT_EQ(ErrorOf([&] {
-              CreateNativeCompressedFileService()->Extract(PathOf("missing"),
-                                                           CompressedFileType::Zip, PathOf("out"));
-            }),
-            kCannotOpen);
+  EXPECT_EQ(ErrorOfExtracting(PathOf("missing"), PathOf("out")), kCannotOpen);
 }
 
 TEST_F(NativeCompressedFileServiceTest, MakesNothingOfAnEmptyArchive) {
@@ -50,6 +48,33 @@ TEST_F(NativeCompressedFileServiceTest, UnpacksIntoARelativeDirectory) {
   EXPECT_TRUE(service->Extract("archive.zip", CompressedFileType::Zip, ""));
   EXPECT_EQ(Unpacked("d/a"), "first");
   EXPECT_EQ(TestSupport::ReadFileBytes(PathOf("d/a")), "first");
+}
+
+TEST_F(NativeCompressedFileServiceTest, FollowsLinksToTheArchiveAndTheDestination) {
+  WriteArchive(ArchiveOf({StoredEntry("d/a", "first")}));
+  fs::create_symlink("archive.zip", PathOf("link.zip"));
+  fs::create_directory(PathOf("out"));
+  fs::create_directory_symlink("out", PathOf("link"));
+  EXPECT_EQ(ErrorOfExtracting(PathOf("link.zip"), PathOf("link")), "");
+  EXPECT_EQ(Unpacked("d/a"), "first");
+}
+
+TEST_F(NativeCompressedFileServiceTest, ReportsLoopsOfLinks) {
+  const std::string path = WriteArchive(ArchiveOf({StoredEntry("a", "first")}));
+  fs::create_symlink("loop", PathOf("loop"));
+  EXPECT_EQ(ErrorOfExtracting(PathOf("loop"), PathOf("out")), kCannotOpen);
+  EXPECT_EQ(ErrorOfExtracting(PathOf("loop/archive.zip"), PathOf("out")), kCannotOpen);
+  EXPECT_EQ(ErrorOfExtracting(path, PathOf("loop")), CannotWrite("a"));
+  EXPECT_EQ(ErrorOfExtracting(path, PathOf("loop/below")), CannotWrite("a"));
+  EXPECT_FALSE(Exists(PathOf("out")));
+}
+
+TEST_F(NativeCompressedFileServiceTest, ReportsADestinationThatIsAFile) {
+  const std::string path =
+      WriteArchive(ArchiveOf({TestSupport::DirectoryEntry("d/"), StoredEntry("a", "first")}));
+  EXPECT_EQ(ErrorOfExtracting(path, WriteFile("file")), CannotWrite("d/"));
+  EXPECT_EQ(ErrorOfExtracting(path, path), CannotWrite("d/"));
+  EXPECT_EQ(TestSupport::ReadFileBytes(PathOf("file")), "contents");
 }
 
 TEST_F(NativeCompressedFileServiceTest, UnpacksOnTwoThreadsAtOnce) {

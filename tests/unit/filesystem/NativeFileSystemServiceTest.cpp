@@ -229,6 +229,20 @@ TEST_F(NativeFileSystemServiceTest, ListsEveryEntryButNothingBelow) {
               UnorderedElementsAre("file", "caf\xe9", "folder", "link"));
 }
 
+TEST_F(NativeFileSystemServiceTest, TakesNamesThatAreNotUtf8) {
+  const std::string directory = PathOf("caf\xe9");
+  EXPECT_TRUE(service_->MakeDirectory(directory));
+  const std::string file = WriteFile("caf\xe9/\xff\xfe.txt", "text");
+  EXPECT_THAT(service_->GetDirectoryContents(folder_.Path()), ElementsAre("caf\xe9"));
+  EXPECT_THAT(service_->GetDirectoryFiles(directory), ElementsAre("\xff\xfe.txt"));
+  EXPECT_EQ(service_->ReadStringFromFile(file), "text");
+  ExpectDebug("Deleted file successfully: " + file);
+  EXPECT_TRUE(service_->DeleteFile(file));
+  EXPECT_EQ(MessageOf([&] { service_->ReadStringFromFile(file); }),
+            "Cannot read the file \"" + PathOf("caf\\xe9/\\xff\\xfe.txt") +
+                "\": No such file or directory.");
+}
+
 TEST_F(NativeFileSystemServiceTest, ListsRegularFilesOnly) {
   WriteFile("file");
   WriteFile("folder/below");

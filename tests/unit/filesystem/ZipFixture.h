@@ -45,13 +45,17 @@ class ZipFixture : public FileSystemFixture {
     return folder_.WriteFile("archive.zip", bytes);
   }
 
-  // Unpacks an archive of these bytes; gives what ErrorOf gives.
-  std::string Extract(const std::string& bytes) const {
-    const std::string path = WriteArchive(bytes);
+  // Unpacks the archive at `path`; gives what ErrorOf gives.
+  static std::string ErrorOfExtracting(const std::string& path, const std::string& destination) {
     return ErrorOf([&] {
       EXPECT_TRUE(Velmora::CreateNativeCompressedFileService()->Extract(
-          path, Velmora::CompressedFileType::Zip, PathOf("out")));
+          path, Velmora::CompressedFileType::Zip, destination));
     });
+  }
+
+  // The same of an archive of these bytes, into "out".
+  std::string Extract(const std::string& bytes) const {
+    return ErrorOfExtracting(WriteArchive(bytes), PathOf("out"));
   }
   std::string Extract(const TestSupport::ZipEntry& entry) const {
     return Extract(TestSupport::ArchiveOf({entry}));

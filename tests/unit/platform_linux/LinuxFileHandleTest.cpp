@@ -4,16 +4,13 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 
-#include "QEXCore_iOS/Platform/DeviceError.h"
 #include "platform/linux/LinuxFileHandle.h"
-#include "support/FileSizeLimit.h"
 #include "support/TemporaryDirectory.h"
 
 namespace {
 
 using Platform::FileDescriptor;
 using Platform::LinuxFileHandle;
-using TestSupport::FileSizeLimit;
 
 // Whether a read was served from what was read ahead shows when the file is changed behind the
 // handle's back.
@@ -96,18 +93,6 @@ TEST_F(LinuxFileHandleTest, EndsWhereTheFileWasCut) {
   std::string text(kLength, '?');
   handle_.Seek(LinuxFileHandle::kReadAhead);
   EXPECT_EQ(handle_.Read(text.data(), text.size()), 0U);
-}
-
-TEST_F(LinuxFileHandleTest, TellsHowMuchOfAWriteTheDeviceTook) {
-  const std::string bytes(2 * kLength, 'b');
-  {
-    const FileSizeLimit limit(kLength + 10);
-    handle_.Seek(100);
-    EXPECT_THROW(handle_.Write(bytes.data(), bytes.size()), Platform::DeviceError);
-  }
-  EXPECT_EQ(handle_.Offset(), kLength + 10);
-  const std::string contents = TestSupport::ReadFileBytes(path_);
-  EXPECT_TRUE(contents == std::string(100, 'a') + std::string(kLength - 90, 'b'));
 }
 
 }  // namespace

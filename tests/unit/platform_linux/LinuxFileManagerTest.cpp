@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <ctime>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <iterator>
 #include <thread>
@@ -23,6 +24,7 @@
 #include "support/ForkedProcess.h"
 #include "support/ScopedEnvironment.h"
 #include "support/TemporaryDirectory.h"
+#include "support/WaitUntil.h"
 
 namespace {
 
@@ -167,6 +169,48 @@ TEST_F(LinuxFileManagerWithoutPermission, SaysThatPermissionIsMissing) {
     Error error;
     return !LinuxFileManager().ReadText(secret_, &error) && isDenied(error, secret_);
   }));
+}
+
+// The flags of the descriptors that this process has open below `folder` just now, if any.
+std::vector<unsigned long> FlagsOfDescriptorsBelow(const std::string& folder) {
+  std::vector<unsigned long> found;
+  for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
+    std::error_code error;
+    if (!fs::read_symlink(entry.path(), error).string().starts_with(folder)) continue;
+    std::ifstream info("/proc/self/fdinfo/" + entry.path().filename().string());
+    for (std::string word; info >> word;) {
+      if (word == "flags:" && info >> word) found.push_back(std::stoul(word, nullptr, 8));
+    }
+  }
+  return found;
+}
+
+TEST(LinuxFileManager, HidesWhatItOpensForOneOperationFromChildProcesses) {
+  const TemporaryDirectory folder;
+  const std::string path = folder.WriteFile("file", std::string(1'000'000, 'x'));
+  for (int i = 0; i < 500; ++i) folder.WriteFile("many/" + std::to_string(i), "");
+  LinuxFileManager manager;
+  const std::vector<std::pair<const char*, std::function<void()>>> operations = {
+      {"list", [&] { manager.ContentsOfDirectory(folder.PathOf("many"), nullptr); }},
+      {"read", [&] { manager.ReadText(path, nullptr); }},
+      {"create", [&] { manager.CreateFile(folder.PathOf("new")); }},
+      {"write", [&] { manager.WriteFile(folder.PathOf("written"), "contents", nullptr); }}};
+  for (const auto& [name, work] : operations) {
+    const auto& operation = work;  // clang 14 lets no lambda have the binding itself
+    std::vector<unsigned long> flags;
+    {
+      const std::jthread worker([&operation](const std::stop_token& stop) {
+        while (!stop.stop_requested()) operation();
+      });
+      EXPECT_TRUE(TestSupport::WaitUntil([&] {
+        for (const unsigned long flag : FlagsOfDescriptorsBelow(folder.Path())) {
+          flags.push_back(flag);
+        }
+        return flags.size() >= 10;
+      })) << name;
+    }
+    for (const unsigned long flag : flags) EXPECT_NE(flag & O_CLOEXEC, 0U) << name;
+  }
 }
 
 // From now on, no file can be linked, as on file systems that know no links.

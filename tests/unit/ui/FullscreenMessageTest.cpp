@@ -262,6 +262,15 @@ TEST_F(FullscreenMessage, HasAnEmptyFrameWithoutAWindow) {
   EXPECT_EQ(KRVFullScreenHandler::calcFullScreenFrame(), (Rect{0, 0, 0, 0}));
 }
 
+TEST_F(FullscreenMessage, IsDismissedWhenItsWindowGoes) {
+  Create()->Show();
+  host.mainQueue->RunAll();
+  host.application->window->Close();
+  EXPECT_FALSE(service->IsMessageDisplayed());
+  host.mainQueue->RunAll();
+  EXPECT_THAT(calls, ElementsAre("show*", "dismiss"));
+}
+
 TEST_F(FullscreenMessage, NeedsNoListener) {
   const auto message = service->CreateFullscreenMessage("", nullptr);
   message->Show();

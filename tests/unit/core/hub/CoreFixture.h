@@ -10,13 +10,18 @@
 #include "VelmoraCore/Core.h"
 #include "VelmoraCore/EventNames.h"
 #include "VelmoraCore/TryCatch.h"
+#include "hub/EventHub.h"
+#include "services/database/NativeDatabaseService.h"
 #include "services/datastore/NativeLocalStorageService.h"
 #include "services/filesystem/NativeFileSystemService.h"
 #include "services/json/NativeJsonUtilityService.h"
+#include "services/network/NativeNetworkService.h"
+#include "services/system/NativeCryptoService.h"
 #include "services/system/NativeSystemInfoService.h"
 #include "support/FakeHost.h"
 #include "support/FakePlatformServices.h"
 #include "support/LogCapture.h"
+#include "support/ManualClock.h"
 #include "unit/core/hub/Gate.h"
 #include "unit/core/hub/HubDoubles.h"
 
@@ -24,21 +29,24 @@ namespace EventKeys = Velmora::EventKeys;
 namespace EventSources = Velmora::EventSources;
 namespace EventTypes = Velmora::EventTypes;
 
-// A core on real services, over a device that keeps its user defaults in memory, and an external
-// module that hears everything.
+// A core on real services, over a device that keeps its user defaults in memory and a clock that
+// the test sets, and an external module that hears everything.
 class CoreFixture : public testing::Test {
  protected:
   CoreFixture() {
+    services->crypto = Velmora::CreateNativeCryptoService();
     services->fileSystem = Velmora::CreateNativeFileSystemService();
     services->jsonUtility = Velmora::CreateNativeJsonUtilityService();
     services->localStorage = Velmora::CreateNativeLocalStorageService();
     services->systemInfo = Velmora::CreateNativeSystemInfoService();
+    services->database = Velmora::CreateNativeDatabaseService(services->systemInfo);
+    services->network = Velmora::CreateNativeNetworkService(services->systemInfo);
     services->logging = log.LoggingService();
     host.bundle->SetInfo("CFBundleName", "Sample");
   }
 
   void StartCore() {
-    core = Velmora::Core::Create(services, nullptr);
+    core = Velmora::Core::Create(services, Velmora::EventHub::Create(services, {}, clock));
     listener = std::make_shared<RecordingListener>();
     witness = std::make_shared<RecordingModule>("witness");
     witness->onRegister = [hearing = listener](const ModuleServices& moduleServices) {
@@ -132,6 +140,8 @@ class CoreFixture : public testing::Test {
   TestSupport::LogCapture log{Velmora::LoggingMode::Debug};
   std::shared_ptr<TestSupport::FakePlatformServices> services =
       std::make_shared<TestSupport::FakePlatformServices>();
+  const std::shared_ptr<TestSupport::ManualClock> clock =
+      std::make_shared<TestSupport::ManualClock>();
   std::shared_ptr<RecordingListener> listener;
   std::shared_ptr<RecordingModule> witness;
   std::shared_ptr<Velmora::Core> core;

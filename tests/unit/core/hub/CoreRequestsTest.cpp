@@ -40,7 +40,7 @@ TEST_F(CoreRequestsTest, CreateNeedsServices) {
 TEST_F(CoreRequestsTest, CreateSendsLogLinesToTheLoggingService) {
   Velmora::Log::SetLoggingService(nullptr);
   StartCore();
-  log.ExpectLine(LogLevel::Debug, "Rules", testing::_);
+  log.ExpectLine(LogLevel::Error, "Rules", testing::_);
   core->DownloadRules();
   Finish();
 }
@@ -200,8 +200,7 @@ TEST_F(CoreRequestsTest, TrackCopiesItsData) {
 
 TEST_F(CoreRequestsTest, DownloadRules) {
   StartCore();
-  log.ExpectLine(LogLevel::Debug, "Rules",
-                 "there is no source of rules yet; nothing is downloaded");
+  log.ExpectLine(LogLevel::Error, "Rules", "no rules can be had: there is no crypto service");
   core->DownloadRules();
   ExpectRequest(EventTypes::kRules, EventSources::kRequest, "download rules", "{}");
 }

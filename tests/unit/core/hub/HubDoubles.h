@@ -78,8 +78,8 @@ class RecordingModule final : public Velmora::Object,
   std::string GetModuleName() override { return name_; }
   std::string GetModuleVersion() override { return "1.2.3"; }
   void OnRegister(const ModuleServices& services) override {
+    services_.Set(services);  // first: who waits for the call asks for them
     Add(calls_, "register");
-    services_.Set(services);
     if (onRegister) onRegister(services);
   }
   void OnUnexpectedError(Velmora::SdkError& error) override {
