@@ -339,6 +339,9 @@ void EventHub::OnModuleEnded(const std::shared_ptr<ExternalModuleHost>& host) {
   if (error.has_value() && error->GetCode() != ErrorCodes::kEventHubDisposed) {
     Log::Error(kLogTag, "module %s could not be started: %s", successor->Name().c_str(),
                error->what());
+    // Who registered it was told that it had been accepted.
+    callbacks_.Push([successor, error = *error] { successor->Abandon(error); },
+                    CallbackQueue::Admission::Always);
   }
 }
 

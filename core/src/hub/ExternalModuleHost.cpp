@@ -43,6 +43,11 @@ bool ExternalModuleHost::Start() {
   });
 }
 
+void ExternalModuleHost::Abandon(SdkError error) {
+  TellOfError(error);
+  module_ = nullptr;
+}
+
 void ExternalModuleHost::NameThread() const {
   if (const std::shared_ptr<EventHub> hub = Hub()) hub->NameThread(name_);
 }

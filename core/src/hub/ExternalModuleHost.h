@@ -43,6 +43,10 @@ class ExternalModuleHost : public std::enable_shared_from_this<ExternalModuleHos
   // Throws std::system_error when no thread can be had. Does nothing, and gives false, after Stop.
   bool Start();
 
+  // In the place of a Start that could not be: tells the module why, on this thread, and lets it
+  // go.
+  void Abandon(SdkError error);
+
   // Queues an event of so many bytes, numbered by the hub, when a listener may want it. Called on
   // the hub's thread, in order.
   void Offer(const std::string& topic, const std::shared_ptr<Event>& event, std::size_t bytes);
