@@ -3,7 +3,7 @@
 .PHONY: help setup demo test stress sanitize lint tidy bench fuzz docs package format
 
 help:
-	@echo "make demo      install what is missing, build, and run the sample app"
+	@echo "make demo      install what is missing, build, and run the sample apps"
 	@echo "make test      the same set-up, then every test suite"
 	@echo "make lint      layers, formatting, clang's warnings"
 	@echo "make tidy      clang-tidy over every source"
@@ -19,9 +19,10 @@ setup:
 	@tools/setup
 
 demo: setup
-	@tools/build dev catalogue devserver download services storefront
+	@tools/build dev catalogue devserver download services shopwindow storefront
 	@tools/demo
 	@tools/demo_download
+	@[ -z "$$DISPLAY$$WAYLAND_DISPLAY" ] || tools/demo_window
 
 test: setup
 	@tools/build dev

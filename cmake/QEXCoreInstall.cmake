@@ -27,6 +27,8 @@ endfunction()
 qexcore_install(library QEXCoreTargets QEXCoreTargets.cmake ${installed})
 if(TARGET QEXCore_gtk)
   qexcore_install(gtk QEXCoreGtkTargets QEXCoreGtkTargets.cmake QEXCore_gtk)
+  install(DIRECTORY include/QEXCore_gtk
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT gtk_development)
 endif()
 install(DIRECTORY include/QEXCore_iOS
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
@@ -43,12 +45,17 @@ install(FILES
 # Relative to where they lie, so that a moved installation still works.
 file(RELATIVE_PATH QEXCORE_PC_TO_INCLUDE
   ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_FULL_INCLUDEDIR})
-foreach(name qexcore velmoracore)
+# qexcore_install_pkg_config(<name> <component>)
+function(qexcore_install_pkg_config name component)
   configure_file(cmake/${name}.pc.in ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc @ONLY)
-endforeach()
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qexcore.pc
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT ${component})
+endfunction()
+
+qexcore_install_pkg_config(qexcore development)
 if(NOT VELMORA_CORE_ROOT)
-  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/velmoracore.pc
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+  qexcore_install_pkg_config(velmoracore development)
+endif()
+if(TARGET QEXCore_gtk)
+  qexcore_install_pkg_config(qexcore-gtk gtk_development)
 endif()
