@@ -282,6 +282,32 @@ TEST_F(RulesDownloadTest, AFullDeviceLeavesTheOldRules) {
   ExpectRefused(archive, HasSubstr("compressed-file."));
 }
 
+TEST_F(RulesDownloadTest, WhereverWritingStopsTheOldRulesServeWholeUntilTheNewOnesDo) {
+  StartCore();
+  const std::string former =
+      Archive(RuleThen("old", R"({"message": {"html": "a.html"}})"), {{"a.html", "old"}});
+  Install(former);
+  const std::string next = Archive(RuleThen("new", R"({"message": {"html": "a.html"}})"),
+                                   {{"a.html", std::string(200, 'n')}});
+  for (std::uint64_t bytes = 0; Serving() != Sha256Of(next); bytes += 50) {
+    SCOPED_TRACE(bytes);
+    ASSERT_LT(bytes, 10'000U) << "there is no end to it";
+    host.fileManager->FailWritesAfter(bytes);
+    Download(next);
+    std::vector<TestSupport::LogLine> lines;
+    ASSERT_TRUE(TestSupport::WaitUntil([&] {
+      lines = log.TakeLines();
+      return !lines.empty() || Serving() == Sha256Of(next);
+    }));
+    EXPECT_THAT(lines, SizeIs(Serving() == Sha256Of(next) ? 0 : 1));
+    host.fileManager->Heal();
+    Restart();
+    Settle();
+    ASSERT_THAT(Serving(), testing::AnyOf(Sha256Of(former), Sha256Of(next)));
+    EXPECT_THAT(StateOf("rules"), HasSubstr(R"("count":1)"));
+  }
+}
+
 TEST_F(RulesDownloadTest, WithoutADataStoreRulesServeButAreNotRemembered) {
   services->localStorage = nullptr;
   log.AllowLines(LogLevel::Warning, "Configuration", testing::_);
