@@ -319,6 +319,11 @@ bool EventHub::SetSharedState(const std::string& owner, std::shared_ptr<const st
                               const std::shared_ptr<Event>& event) {
   const bool isNumbered = event != nullptr && event->GetNumber() > 0;
   const std::int64_t number = isNumbered ? event->GetNumber() : AcceptedCount() + 1;
+  return SetSharedStateFrom(number, owner, std::move(json));
+}
+
+bool EventHub::SetSharedStateFrom(std::int64_t number, const std::string& owner,
+                                  std::shared_ptr<const std::string> json) {
   if (!states_.Set(owner, std::move(json), number)) return false;
   AnnounceSharedState(owner);
   return true;

@@ -135,6 +135,8 @@ class EventHub : public std::enable_shared_from_this<EventHub> {
   Queue::Outcome Push(Item item, Queue::Admission admission);
   bool PostItem(Item item, Queue::Admission admission);
   void PostFromInside(std::shared_ptr<Event> event, const std::string& deafModule);
+  bool SetSharedStateFrom(std::int64_t number, const std::string& owner,
+                          std::shared_ptr<const std::string> json);
   void AnnounceSharedState(const std::string& owner);
   std::optional<SdkError> StartModule(const std::shared_ptr<ExternalModuleHost>& host);
 

@@ -33,7 +33,9 @@ class EventHub::ModuleContext final : public HubContext {
     };
   }
   bool SetSharedState(const std::string& json, const std::shared_ptr<Event>& event) override {
-    return hub_.EventHub::SetSharedState(name_, std::make_shared<const std::string>(json), event);
+    // In the order of handling, which that of acceptance may be far ahead of.
+    const std::int64_t number = event == nullptr ? hub_.lastNumber_ + 1 : event->GetNumber();
+    return hub_.SetSharedStateFrom(number, name_, std::make_shared<const std::string>(json));
   }
   std::shared_ptr<const std::string> GetSharedState(const std::string& owner,
                                                     const std::shared_ptr<Event>& event) override {

@@ -49,6 +49,7 @@ TEST_F(CoreRequestsTest, CreateWorksWithoutAnyService) {
   const auto none = std::make_shared<TestSupport::FakePlatformServices>();
   log.ExpectLine(LogLevel::Warning, "Core", "the platform has no logging service");
   log.ExpectLine(LogLevel::Warning, "Configuration", testing::HasSubstr("no data store"));
+  log.ExpectLine(LogLevel::Warning, "Identity", testing::HasSubstr("no data store"));
   log.AllowLines(LogLevel::Error, "Configuration", testing::HasSubstr("no JSON service"));
   core = Core::Create(none, nullptr);
   core->SetPrivacyStatus(MobilePrivacyStatus::OptedOut);
@@ -117,7 +118,7 @@ TEST_F(CoreRequestsTest, AFloodOfEventsAndReportsDropsNoOptOut) {
 
 TEST_F(CoreRequestsTest, ConfigureWithAppId) {
   StartCore();
-  AllowDebug("Configuration");
+  log.AllowLines(LogLevel::Warning, "Configuration", testing::HasSubstr("VelmoraConfigurationUrl"));
   core->ConfigureWithAppId("app 7");
   ExpectRequest(EventTypes::kConfiguration, EventSources::kRequest, "configure with app id",
                 "{appId:\"app 7\"}");
@@ -207,7 +208,7 @@ TEST_F(CoreRequestsTest, DownloadRules) {
 
 TEST_F(CoreRequestsTest, StartCallsBackAfterAllThatWasAskedForBefore) {
   StartCore();
-  AllowDebug("Configuration");
+  log.AllowLines(LogLevel::Warning, "Configuration", testing::HasSubstr("VelmoraConfigurationUrl"));
   CallLog calls;
   const auto module = std::make_shared<RecordingModule>("module");
   module->onRegister = [&](const ModuleServices&) { Add(calls, "registered"); };

@@ -293,6 +293,25 @@ TEST_F(EventHubTest, GivesModulesTheSystemsClockWhichStopsWithTheHub) {
   EXPECT_FALSE(isCalled);
 }
 
+TEST_F(EventHubTest, OrdersAModulesStatesByWhatItHasHandledNotByWhatWaits) {
+  class StatefulModule final : public Velmora::HubModule {
+   public:
+    std::string GetName() const override { return "stateful"; }
+    void Attach(Velmora::HubContext& context) override {
+      context.Listen("test.type", "test.source", [&context](const EventPointer& event) {
+        if (event->GetName() == "first") context.SetSharedState("at home", nullptr);
+        if (event->GetName() == "second") context.SetSharedState("newest", event);
+      });
+    }
+  };
+  hub = EventHub::Create(services);
+  hub->AddModule(std::make_unique<StatefulModule>());
+  for (const char* name : {"first", "second", "third"}) EXPECT_EQ(Dispatch(NewEvent(name)), "");
+  hub->Start();
+  Finish();
+  EXPECT_EQ(*hub->GetSharedState("stateful", nullptr), "newest");
+}
+
 TEST_F(EventHubTest, DropsEventsBeyondAModulesLimitWithoutHarmToOthers) {
   Velmora::EventHubLimits limits;
   limits.moduleEvents.items = 2;

@@ -172,6 +172,10 @@ TEST_F(RuleSetTest, RefusesConsequencesThatItDoesNotUnderstand) {
                             R"(open: "in" is not known)");
   ExpectConsequencesRefused(R"({"alert": {"positive": "OK"}})", R"(alert: "message" is missing)");
   ExpectConsequencesRefused(R"({"alert": {"message": "a"}})", R"(alert: "positive" is missing)");
+  for (const char* message : {"{}", R"({"html": "a.html", "base64": "PGgxPg=="})"}) {
+    ExpectConsequencesRefused(std::string(R"({"message": )") + message + "}",
+                              R"(message: it needs either "html" or "base64")");
+  }
   ExpectConsequencesRefused(R"({"notification": {"text": "a", "delay": -1}})",
                             R"(notification: "delay" is not between 0 and 31622400)");
   ExpectConsequencesRefused(R"({"notification": {"text": "a", "userInfo": "{}"}})",

@@ -36,10 +36,7 @@ class CountingZipService final : public Velmora::NativeCompressedFileService {
 
 class RulesDownloadTest : public RulesFixture {
  protected:
-  RulesDownloadTest() {
-    services->compressedFile = zip;
-    host.fileManager->SetCachesDirectory(directory.PathOf("caches"));
-  }
+  RulesDownloadTest() { services->compressedFile = zip; }
 
   // Asks for an archive that cannot be used: one error line says why, and the rules that served
   // before still do.
@@ -58,7 +55,6 @@ class RulesDownloadTest : public RulesFixture {
     return TestSupport::ArchiveOf({TestSupport::StoredEntry("rules.json", text)});
   }
 
-  TestSupport::TemporaryDirectory directory;
   const std::shared_ptr<CountingZipService> zip = std::make_shared<CountingZipService>();
 };
 
