@@ -75,7 +75,7 @@ std::string Counted(const std::string& text, std::int64_t count) {
 // Those that keep nothing.
 std::vector<Row> RowsWithoutFiles(const HubObserver& observer, const Traces& traces) {
   const Platform::Value configuration = observer.StateOf("configuration");
-  const std::string collector = configuration.Get("analytics.server").AsString();
+  const std::string collector = configuration.Get("analytics.collector").AsString();
   const std::string sha256 = observer.StateOf("rules").Get("sha256").AsString();
   const bool isThanked = observer.Count("rules", "response", "rule", "thank-you") > 0;
   return {
