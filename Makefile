@@ -20,8 +20,9 @@ setup:
 
 demo: setup
 	@tools/build dev catalogue devserver download services shopwindow storefront
-	@tools/demo
+	@tools/demo_services
 	@tools/demo_download
+	@tools/demo
 	@[ -z "$$DISPLAY$$WAYLAND_DISPLAY" ] || tools/demo_window
 
 test: setup

@@ -51,7 +51,8 @@ class Listener final : public Velmora::Object,
 
 class Module final : public Velmora::Object, public virtual Velmora::ExternalModuleInterface {
  public:
-  Module(std::function<void(const Services&)> onJoin, std::function<void(const EventPointer&)> onHear)
+  Module(std::function<void(const Services&)> onJoin,
+         std::function<void(const EventPointer&)> onHear)
       : onJoin_(std::move(onJoin)), onHear_(std::move(onHear)) {}
 
   std::string GetModuleName() override { return "storefront.observer"; }

@@ -18,10 +18,12 @@ namespace {
 namespace fs = std::filesystem;
 
 struct Row {
-  std::string service;
-  std::string deed;  // empty: nothing
+  const char* service;
+  std::string deed;  // empty: none
   std::string place;
 };
+
+constexpr const char* kNoFiles = "no files";
 
 fs::path FolderOf(const char* variable, const char* belowHome) {
   const char* folder = std::getenv(variable);
@@ -29,13 +31,12 @@ fs::path FolderOf(const char* variable, const char* belowHome) {
   const char* home = std::getenv("HOME");
   return fs::path(home == nullptr ? "" : home) / belowHome / "storefront";
 }
-fs::path CacheFolder() { return FolderOf("XDG_CACHE_HOME", ".cache"); }
-fs::path DataFolder() { return FolderOf("XDG_DATA_HOME", ".local/share"); }
 
+// The names of the files, at any depth.
 std::vector<std::string> FilesBelow(const fs::path& folder) {
   std::vector<std::string> names;
   std::error_code error;
-  for (fs::recursive_directory_iterator entry(folder, error), end; entry != end && !error;
+  for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
        entry.increment(error)) {
     if (entry->is_regular_file(error)) names.push_back(entry->path().filename().string());
   }
@@ -49,66 +50,84 @@ std::string Joined(const std::vector<std::string>& texts) {
   return joined;
 }
 
-std::string DateOf(std::int64_t secondsSince1970) {
-  const std::time_t time = secondsSince1970;
+std::string DateOf(const std::string& secondsSince1970) {
+  const std::time_t time = std::atoll(secondsSince1970.c_str());
+  if (time <= 0) return {};
   std::ostringstream text;
   text << std::put_time(std::gmtime(&time), "%F");
   return text.str();
 }
 
-// `text` with `value` behind it; empty when there is no value.
-std::string With(const std::string& text, const std::string& value) {
-  return value.empty() ? std::string() : text + value;
-}
-
-std::string Counted(std::int64_t count, const std::string& text) {
-  return count > 0 ? std::to_string(count) + ' ' + text : std::string();
-}
-
 std::string HostOf(const std::string& url) {
-  const std::size_t begin = url.find("//");
-  return begin == std::string::npos ? "" : url.substr(begin + 2, url.find('/', begin + 2) - begin - 2);
+  const std::size_t slashes = url.find("//");
+  if (slashes == std::string::npos) return {};
+  return url.substr(slashes + 2, url.find('/', slashes + 2) - slashes - 2);
 }
 
-std::vector<Row> Rows(const HubObserver& observer, const HitNumbers& hits, int logLines) {
+// Nothing where there is nothing to tell.
+std::string Told(const std::string& text, const std::string& what) {
+  return what.empty() ? std::string() : text + what;
+}
+std::string Counted(const std::string& text, std::int64_t count) {
+  return Told(text, count > 0 ? std::to_string(count) : "");
+}
+
+// Those that keep nothing.
+std::vector<Row> RowsWithoutFiles(const HubObserver& observer, const Traces& traces) {
   const Platform::Value configuration = observer.StateOf("configuration");
-  const Platform::Value lifecycle = observer.StateOf("lifecycle").Get("contextdata");
-  const std::string collector = configuration.Get("analytics.server").AsString();
-  const std::int64_t installed = lifecycle.Get("installDate").AsInt64();
-  const fs::path cache = CacheFolder();
-  const int shown = observer.Count("rules", "response", "outcome", "fired");
+  const std::string collector = configuration.Get("analytics.collector").AsString();
+  const std::string sha256 = observer.StateOf("rules").Get("sha256").AsString();
+  const bool isThanked = observer.Count("rules", "response", "rule", "thank-you") > 0;
   return {
       {"system information",
-       With("tells what this is: ", lifecycle.Get("osVersion").AsString().empty()
-                                        ? ""
-                                        : lifecycle.Get("appName").AsString() + " on " +
-                                              lifecycle.Get("osName").AsString() + " " +
-                                              lifecycle.Get("osVersion").AsString()),
-       "no files"},
-      {"logging", Counted(logLines, "lines written"), "standard error"},
+       Told("told the hub of ", traces.lifecycle.Get("appName").AsString()) +
+           Told(" on ", traces.lifecycle.Get("osName").AsString()),
+       kNoFiles},
+      {"crypto", Told("found the SHA-256 of the rules right: ", sha256.substr(0, 16)), kNoFiles},
+      {"JSON",
+       Counted("read the configuration's members: ",
+               static_cast<std::int64_t>(configuration.Count())),
+       kNoFiles},
+      {"encoding", Told("decoded the message of the rule ", isThanked ? "thank-you" : ""),
+       kNoFiles},
+      {"URLs", Told("found the collector's host: ", HostOf(collector)), kNoFiles},
+      {"network", Counted("hits posted during this visit: ", traces.hits.sent), collector},
+      {"logging", Counted("lines written during this visit: ", traces.logLines), "standard error"},
+      {"screen",
+       Counted("asked by rules to show something: ",
+               observer.Count("rules", "response", "outcome", "fired")),
+       "the screen; the log where there is none"},
+  };
+}
+
+std::vector<Row> RowsWithFiles(const HubObserver& observer, const Traces& traces) {
+  const fs::path cache = FolderOf("XDG_CACHE_HOME", ".cache");
+  const fs::path settings = FolderOf("XDG_DATA_HOME", ".local/share") / "user-defaults";
+  const fs::path downloads = cache / "krvdownloadcache";
+  const fs::path rules = cache / "velmorarules";
+  const fs::path hits = cache / "KorvoMobile_AnalyticsHits";
+  const std::int64_t kept = fs::exists(hits) ? traces.hits.sent + traces.hits.waiting : 0;
+  return {
       {"local storage",
-       With("keeps the install date, moved from the previous generation: ",
-            installed > 0 ? DateOf(installed) : ""),
-       (DataFolder() / "user-defaults").string()},
-      {"remote files", With("keeps what was downloaded: ",
-                            Counted(static_cast<std::int64_t>(FilesBelow(cache / "krvdownloadcache").size()), "files")),
-       (cache / "krvdownloadcache").string()},
-      {"JSON", Counted(static_cast<std::int64_t>(configuration.Count()), "members of a configuration read"), "no files"},
-      {"crypto", With("made the visitor's id: ", observer.StateOf("identity").Get("visitorId").AsString()), "no files"},
-      {"compressed files", With("unpacked: ", Joined(FilesBelow(cache / "velmorarules"))), (cache / "velmorarules").string()},
-      {"file system", Counted(observer.StateOf("rules").Get("count").AsInt64(), "rules read from there"), (cache / "velmorarules").string()},
-      {"encoding", With("decoded the message of the rule ", observer.Count("rules", "response", "rule", "thank-you") > 0 ? "\"thank-you\"" : ""), "no files"},
-      {"screen", Counted(shown, "times asked by a rule"), "the screen, or the log where there is none"},
-      {"database", Counted(hits.sent + hits.waiting, "hits kept until they were sent"), Joined(DatabasesIn(cache))},
-      {"network", Counted(hits.sent, "hits posted during this visit"), collector},
-      {"URLs", With("took the collector's URL apart: ", hits.sent > 0 ? HostOf(collector) : ""), "no files"},
+       Told("keeps the install date, moved from the previous generation: ",
+            DateOf(traces.lifecycle.Get("installDate").AsString())),
+       settings.string()},
+      {"remote files",
+       Counted("files downloaded and kept: ",
+               static_cast<std::int64_t>(FilesBelow(downloads).size())),
+       downloads.string()},
+      {"compressed files", Told("unpacked ", Joined(FilesBelow(rules))), rules.string()},
+      {"file system", Counted("rules read: ", observer.StateOf("rules").Get("count").AsInt64()),
+       rules.string()},
+      {"database", Counted("hits kept until they were sent: ", kept), hits.string()},
   };
 }
 
 }  // namespace
 
-bool PrintSummary(const HubObserver& observer, const HitNumbers& hits, int logLines) {
-  const std::vector<Row> rows = Rows(observer, hits, logLines);
+bool PrintSummary(const HubObserver& observer, const Traces& traces) {
+  std::vector<Row> rows = RowsWithoutFiles(observer, traces);
+  for (Row& row : RowsWithFiles(observer, traces)) rows.push_back(std::move(row));
   std::cout << "\nWhat the services did, and where:\n\n" << std::left;
   for (const Row& row : rows) {
     std::cout << "  " << std::setw(20) << row.service << (row.deed.empty() ? "NOTHING" : row.deed)

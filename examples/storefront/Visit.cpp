@@ -48,19 +48,29 @@ void Visit::FetchRules() const {
                       kPatience);
 }
 
-void Visit::Launch(const Storefront::Launch& launch) const {
+Platform::Value Visit::Begin(const Launch& launch) const {
   QEXCore::collectLaunchInfo({{"krv_deeplink", launch.deepLink},
                               {"krv_m_id", launch.messageId},
                               {"krv_m_l_id", launch.notificationId},
                               {"launched.by", "the shop's own key, which the SDK leaves alone"}});
   QEXCore::setPushIdentifier(Platform::Value::FromData({0x0A, 0x0B}));
   QEXCore::lifecycleStart({{"channel", "kiosk"}});
+  Platform::Value context;
+  observer_.WaitUntil(
+      [&] {
+        context = observer_.StateOf("lifecycle").Get("contextdata");
+        return context.IsDictionary();
+      },
+      kPatience);
+  return context;
 }
 
 void Visit::LookAround() const {
   QEXCore::trackState("catalogue", {{"category", "shoes"}});
   QEXCore::trackAction("addToCart", {{"sku", "A-17"}, {"size", "M"}});
   PutIntoCart("A-17");
+  // The visitor reads what a rule has brought to the screen.
+  std::this_thread::sleep_for(500ms);
 }
 
 void Visit::BuyShoes() const {

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include <QEXCore_iOS/Platform/Value.h>
+
 #include "HubObserver.h"
 
 namespace Storefront {
@@ -29,7 +31,8 @@ class Visit {
   // Asks for the newest rules, and waits until there are any to be had.
   void FetchRules() const;
 
-  void Launch(const Launch& launch) const;
+  // The context data of the start.
+  Platform::Value Begin(const Launch& launch) const;
   void LookAround() const;
   void BuyShoes() const;
   void Leave() const;

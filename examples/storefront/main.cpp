@@ -95,7 +95,8 @@ int Run(const Options& options) {
     return EXIT_FAILURE;
   }
   if (!options.appId.empty()) visit.FetchRules();
-  visit.Launch(options.launch);
+  Storefront::Traces traces;
+  traces.lifecycle = visit.Begin(options.launch);
   visit.LookAround();
   visit.BuyShoes();
   visit.Leave();
@@ -104,9 +105,10 @@ int Run(const Options& options) {
     Print("hits still wait after twenty seconds");
     return EXIT_FAILURE;
   }
-  TellHits(visit.AskForHits());
-  const bool isComplete =
-      !options.hasSummary || Storefront::PrintSummary(observer, visit.AskForHits(), log->Count());
+  traces.hits = visit.AskForHits();
+  traces.logLines = log->Count();
+  TellHits(traces.hits);
+  const bool isComplete = !options.hasSummary || Storefront::PrintSummary(observer, traces);
   Print("QEXCore " + QEXCore::extensionVersion() + ": the visit is over.");
   return isComplete ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -14,6 +14,7 @@
 #include "hub/EventHubModuleContext.h"
 #include "hub/EventRules.h"
 #include "hub/EventSize.h"
+#include "hub/GuardedCalls.h"
 
 namespace Velmora {
 namespace {
@@ -47,41 +48,6 @@ SdkError Disposed(int line) {
 SdkError NameIsTaken(const std::string& name, int line) {
   return {ErrorCodes::kExternalModuleDuplicateModuleName, "there is a module of this name: " + name,
           DebugInfo(kSourceLocation, line)};
-}
-
-void NameThisThread(const PlatformServicesInterface& services, const std::string& name) {
-  TrySwallow([&] {
-    const std::shared_ptr<SystemInfoServiceInterface> info = services.GetSystemInfoService();
-    if (info != nullptr) info->SetCurrentThreadName(name);
-  });
-}
-
-void CallGuarded(const std::function<void()>& callback) {
-  TryCatch(callback,
-           [](SdkError& error) { Log::Error(kLogTag, "a callback failed: %s", error.what()); });
-}
-
-void CallModule(const std::string& name, const Event& event, const std::function<void()>& call) {
-  TryCatch(call, [&](SdkError& error) {
-    Log::Error(kLogTag, "module %s: event %lld failed: %s", name.c_str(),
-               static_cast<long long>(event.GetNumber()), error.what());
-  });
-}
-
-std::string NameOf(ExternalModuleInterface& module) {
-  std::string name;
-  TryCatch([&] { name = module.GetModuleName(); },
-           [](SdkError& error) {
-             Log::Error(kLogTag, "a module could not tell its name: %s", error.what());
-           });
-  return name;
-}
-
-std::string VersionOf(ExternalModuleInterface& module) {
-  std::string version;
-  TrySwallow(
-      [&] { version = LogText::Readable(module.GetModuleVersion(), EventRules::kMaxNameLength); });
-  return version;
 }
 
 }  // namespace

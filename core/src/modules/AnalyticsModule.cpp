@@ -13,7 +13,7 @@ namespace {
 
 constexpr const char* kLogTag = "Analytics";
 
-constexpr const char* kServerKey = "analytics.server";
+constexpr const char* kCollectorKey = "analytics.collector";
 constexpr const char* kTimeoutKey = "analytics.timeout";
 constexpr const char* kMaxHitsKey = "analytics.maxHits";
 constexpr const char* kMaxAgeKey = "analytics.maxAge";
@@ -149,12 +149,12 @@ void AnalyticsModule::FollowStatus(std::optional<MobilePrivacyStatus> status) {
 
 // Where hits may go now.
 std::optional<HitSender::Collector> AnalyticsModule::FindCollector() {
-  const std::string url = configuration_.Text(kServerKey).value_or("");
+  const std::string url = configuration_.Text(kCollectorKey).value_or("");
   const auto timeout = configuration_.Number(kTimeoutKey, kDefaultTimeout, kTimeoutRange);
   if (url.empty() || status_ != MobilePrivacyStatus::OptedIn) return std::nullopt;
   if (!IsHttps(hub_->Services(), url)) {
     if (std::exchange(unusableUrl_, url) != url) {
-      Log::Warning(kLogTag, "hits wait: \"%s\" of the configuration is no https URL", kServerKey);
+      Log::Warning(kLogTag, "hits wait: \"%s\" of the configuration is no https URL", kCollectorKey);
     }
     return std::nullopt;
   }

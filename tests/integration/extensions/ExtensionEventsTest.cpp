@@ -213,10 +213,12 @@ TEST_F(ExtensionEventsTest, EveryOperationOfTheFacadeMayBeCalledFromInsideAListe
   });
   RegisterListening<0>("test.listening");
   // What the operations lead to, none of which is there.
-  for (const char* tag : {"Configuration", "Core", "NativeNetworkService", "Rules",
-                          "RemoteFileManager: ", "SystemInfoService"}) {
-    log.AllowLines(LogLevel::Debug, tag, testing::_);
-    log.AllowLines(LogLevel::Error, tag, testing::_);
+  for (const char* tag :
+       {"Analytics", "Configuration", "Core", "Identity", "Lifecycle", "NativeNetworkService",
+        "Rules", "RemoteFileManager: ", "SystemInfoService"}) {
+    for (const LogLevel level : {LogLevel::Debug, LogLevel::Warning, LogLevel::Error}) {
+      log.AllowLines(level, tag, testing::_);
+    }
   }
   EXPECT_TRUE(Dispatch("go"));
   EXPECT_TRUE(WaitUntil([&] { return answers.Get().size() == 1; }));
