@@ -52,9 +52,12 @@ void HitSender::Wake() {
   if (isBusy_ || !collector_.has_value()) return;
   if (const std::optional<HitQueue::Hit> hit = queue_.First()) {
     Post(*hit);
-  } else {
-    onProgress_();
+    return;
   }
+  if (queue_.IsDisturbed()) {
+    WakeAfter(HitQueue::kRetry);
+  }
+  onProgress_();
 }
 
 void HitSender::Post(const HitQueue::Hit& hit) {
@@ -122,7 +125,11 @@ void HitSender::OnFailure(const Answer& answer) {
   const std::chrono::milliseconds delay = std::max(delay_.Next(), asked);
   Log::Debug(kLogTag, "a hit was not taken (status %d); the next attempt comes in %lld ms",
              static_cast<int>(answer.status), static_cast<long long>(delay.count()));
-  BeginWait(delay, [this] {
+  WakeAfter(delay);
+}
+
+void HitSender::WakeAfter(std::chrono::milliseconds wait) {
+  BeginWait(wait, [this] {
     EndWait();
     Wake();
   });

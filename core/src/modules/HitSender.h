@@ -54,6 +54,7 @@ class HitSender {
   void Post(const HitQueue::Hit& hit);
   void BeginWait(std::chrono::milliseconds wait, std::function<void()> then);
   void EndWait();
+  void WakeAfter(std::chrono::milliseconds wait);
   void OnAnswer(const HitQueue::Place& place, const Answer& answer);
   void OnDone(const HitQueue::Place& place);
   void OnFailure(const Answer& answer);
