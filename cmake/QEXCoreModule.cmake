@@ -32,9 +32,9 @@ function(qexcore_precompile target)
 endfunction()
 
 if(QEXCORE_PRECOMPILED_HEADERS)
-  set(precompiled_stub ${CMAKE_CURRENT_BINARY_DIR}/QEXCorePrecompiled.cpp)
-  file(CONFIGURE OUTPUT ${precompiled_stub} CONTENT "namespace {}\n")
-  add_library(QEXCorePrecompiled OBJECT ${precompiled_stub})
+  set(precompiled_source ${CMAKE_CURRENT_BINARY_DIR}/QEXCorePrecompiled.cpp)
+  file(CONFIGURE OUTPUT ${precompiled_source} CONTENT "namespace {}\n")
+  add_library(QEXCorePrecompiled OBJECT ${precompiled_source})
   target_link_libraries(QEXCorePrecompiled PRIVATE QEXCoreBuildFlags)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # ccache sees through a precompiled header only with this.
@@ -51,13 +51,22 @@ endif()
 
 # qexcore_test(<name> SOURCES <file>... [LINK <target>...] [LABELS <label>...] [TIMEOUT <seconds>])
 #
-# A GoogleTest program, registered with CTest as one test. It sees src/, core/src/ and tests/ as
-# include folders.
+# A GoogleTest program, registered with CTest as one test.
 function(qexcore_test name)
   cmake_parse_arguments(PARSE_ARGV 1 ARG "" "TIMEOUT" "SOURCES;LINK;LABELS")
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 120)
   endif()
+  qexcore_test_program(${name} SOURCES ${ARG_SOURCES} LINK ${ARG_LINK})
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
+endfunction()
+
+# qexcore_test_program(<name> SOURCES <file>... [LINK <target>...])
+#
+# A GoogleTest program. It sees src/, core/src/ and tests/ as include folders.
+function(qexcore_test_program name)
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;LINK")
   add_executable(${name} ${ARG_SOURCES})
   target_include_directories(${name} PRIVATE
     ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/core/include
@@ -66,6 +75,4 @@ function(qexcore_test name)
   # As the precompiled headers are, which a program's -fPIE would not fit.
   target_compile_options(${name} PRIVATE -fPIC)
   qexcore_precompile(${name})
-  add_test(NAME ${name} COMMAND ${name})
-  set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
 endfunction()

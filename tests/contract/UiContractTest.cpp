@@ -1,11 +1,8 @@
-#include <chrono>
 #include <functional>
 #include <memory>
-#include <vector>
-
-#include <gmock/gmock.h>
 
 #include "QEXCore_iOS/Platform/DeviceError.h"
+#include "UiContract.h"
 #include "platform/headless/HeadlessUi.h"
 #include "support/FakeMainQueue.h"
 #include "support/FakeSystemLog.h"
@@ -13,14 +10,15 @@
 
 namespace {
 
-using namespace std::chrono_literals;
-
 using testing::ElementsAre;
 
 class HeadlessSubject {
  public:
   Platform::Ui& Ui() { return ui_; }
-  TestSupport::FakeMainQueue& Queue() { return *queue_; }
+  bool Until(const std::function<bool()>& condition) {
+    queue_->RunAll();
+    return condition();
+  }
   static constexpr bool kHasScreen = false;
 
   std::shared_ptr<TestSupport::FakeSystemLog> log = std::make_shared<TestSupport::FakeSystemLog>();
@@ -34,7 +32,10 @@ class HeadlessSubject {
 class FakeSubject {
  public:
   Platform::Ui& Ui() { return ui_; }
-  TestSupport::FakeMainQueue& Queue() { return *queue_; }
+  bool Until(const std::function<bool()>& condition) {
+    queue_->RunAll();
+    return condition();
+  }
   static constexpr bool kHasScreen = true;
 
  private:
@@ -43,52 +44,8 @@ class FakeSubject {
   TestSupport::FakeUi ui_{queue_};
 };
 
-template <class Subject>
-class UiContractTest : public testing::Test {
- protected:
-  // Making gives something where there is a screen, and throws where there is none.
-  template <class Make>
-  void ExpectMade(Make&& make) {
-    if (Subject::kHasScreen) {
-      EXPECT_NE(make(), nullptr);
-    } else {
-      EXPECT_THROW(make(), Platform::DeviceError);
-    }
-  }
-
-  Subject subject_;
-};
-
 using Subjects = testing::Types<HeadlessSubject, FakeSubject>;
-TYPED_TEST_SUITE(UiContractTest, Subjects);
-
-TYPED_TEST(UiContractTest, MakesEverythingOrThrows) {
-  Platform::Ui& ui = this->subject_.Ui();
-  this->ExpectMade([&] { return ui.CreateAlertController("title", std::nullopt); });
-  this->ExpectMade([&] { return ui.CreateAlertView({}); });
-  this->ExpectMade([&] { return ui.CreateWebView({}); });
-  this->ExpectMade([&] { return ui.CreateImageView({}); });
-  this->ExpectMade([&] { return ui.CreatePanGestureRecognizer([](auto&) {}); });
-  this->ExpectMade([&] { return ui.CreateTapGestureRecognizer(1, [] {}); });
-}
-
-TYPED_TEST(UiContractTest, AnimatesAtOnceAndCompletesLater) {
-  std::vector<int> calls;
-  this->subject_.Ui().Animate(
-      300ms, [&] { calls.push_back(1); }, [&] { calls.push_back(2); });
-  EXPECT_THAT(calls, ElementsAre(1));
-  this->subject_.Queue().RunAll();
-  EXPECT_THAT(calls, ElementsAre(1, 2));
-}
-
-TYPED_TEST(UiContractTest, AnimatesNothingWithoutHarm) {
-  this->subject_.Ui().Animate(300ms, nullptr, nullptr);
-  this->subject_.Queue().RunAll();
-}
-
-TYPED_TEST(UiContractTest, WatchesRotation) {
-  EXPECT_NE(this->subject_.Ui().WatchRotation([] {}), nullptr);
-}
+INSTANTIATE_TYPED_TEST_SUITE_P(WithoutADisplay, UiContractTest, Subjects);
 
 TEST(HeadlessUi, LogsALineForWhatItDoesNotShow) {
   HeadlessSubject subject;

@@ -20,7 +20,7 @@ namespace {
 
 using Arguments = std::vector<std::string>;
 
-constexpr std::chrono::seconds kDeadline{5};
+constexpr std::chrono::seconds kDeadline{30};
 
 void RunProgram(const Arguments& arguments) {
   std::vector<char*> pointers;

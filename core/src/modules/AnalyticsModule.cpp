@@ -5,7 +5,6 @@
 
 #include "VelmoraCore/EventNames.h"
 #include "VelmoraCore/Log.h"
-#include "VelmoraCore/StringUtils.h"
 #include "modules/JsonText.h"
 #include "modules/PrivacyStatus.h"
 
@@ -32,6 +31,11 @@ std::int64_t Milliseconds(Event::Clock::time_point time) {
 
 std::shared_ptr<Variant> ToVariant(std::size_t count) {
   return Variant::FromLong(static_cast<long long>(count));
+}
+
+bool IsHttps(const PlatformServicesInterface& services, const std::string& url) {
+  const std::shared_ptr<URLServiceInterface> urls = services.GetURLService();
+  return urls != nullptr && urls->GetScheme(url) == "https" && !urls->GetHost(url).empty();
 }
 
 }  // namespace
@@ -148,7 +152,7 @@ std::optional<HitSender::Collector> AnalyticsModule::FindCollector() {
   const std::string url = configuration_.Text(kCollectorKey).value_or("");
   const auto timeout = configuration_.Number(kTimeoutKey, kDefaultTimeout, kTimeoutRange);
   if (url.empty() || status_ != MobilePrivacyStatus::OptedIn) return std::nullopt;
-  if (!StringUtils::StringIsUrl(url) || !url.starts_with("https://")) {
+  if (!IsHttps(hub_->Services(), url)) {
     if (std::exchange(unusableUrl_, url) != url) {
       Log::Warning(kLogTag, "hits wait: \"%s\" of the configuration is no https URL", kCollectorKey);
     }

@@ -55,6 +55,27 @@ TEST(GlibMainQueue, StartsItsThreadAtTheFirstWorkAndJoinsIt) {
   EXPECT_EQ(ThreadsNamed("QEXMainQueue"), before);
 }
 
+TEST(GlibMainQueue, WaitsForTheLoopHoweverLongThatTakes) {
+  RunningContext context(RunningContext::Begin::Later);
+  GlibMainQueue queue(NewCore(context.Get(), Platform::MainQueueCore::kNoEndOfGrace));
+  std::promise<std::thread::id> thread;
+  auto done = thread.get_future();
+  queue.Async([&] { thread.set_value(std::this_thread::get_id()); });
+  EXPECT_EQ(done.wait_for(300ms), std::future_status::timeout);
+  context.Start();
+  EXPECT_EQ(done.get(), context.ThreadId());
+}
+
+TEST(GlibMainQueue, GoesWithoutALoopThatItWaitsFor) {
+  const auto held = std::make_shared<int>(7);
+  {
+    const RunningContext context(RunningContext::Begin::Later);
+    GlibMainQueue queue(NewCore(context.Get(), Platform::MainQueueCore::kNoEndOfGrace));
+    queue.Async([held] {});
+  }
+  EXPECT_EQ(held.use_count(), 1);
+}
+
 TEST(GlibMainQueue, WorksOnTheThreadThatRunsTheContext) {
   const RunningContext context;
   GlibMainQueue queue(NewCore(context.Get(), 60s));

@@ -19,6 +19,7 @@
 #include "services/network/NativeRemoteFileManagerService.h"
 #include "services/system/NativeCryptoService.h"
 #include "services/system/NativeSystemInfoService.h"
+#include "services/system/NativeUrlService.h"
 #include "support/FakeHost.h"
 #include "support/FakePlatformServices.h"
 #include "support/LogCapture.h"
@@ -44,6 +45,7 @@ class CoreFixture : public testing::Test {
     services->network = Velmora::CreateNativeNetworkService(services->systemInfo);
     services->remoteFileManager = Velmora::CreateNativeRemoteFileManagerService(
         services->network, services->fileSystem, services->systemInfo);
+    services->url = Velmora::CreateNativeUrlService();
     services->logging = log.LoggingService();
     host.bundle->SetInfo("CFBundleName", "Sample");
   }

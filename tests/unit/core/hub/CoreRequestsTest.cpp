@@ -93,7 +93,7 @@ class BlockingModule final : public Velmora::HubModule {
 TEST_F(CoreRequestsTest, AFloodOfEventsAndReportsDropsNoOptOut) {
   constexpr int kFlood = 100;
   Velmora::EventHubLimits limits;
-  limits.events = 50;
+  limits.events.items = 50;
   const auto hub = Velmora::EventHub::Create(services, limits);
   const auto gate = std::make_shared<Gate>();
   hub->AddModule(std::make_unique<BlockingModule>(gate));

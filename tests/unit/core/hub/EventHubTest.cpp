@@ -138,8 +138,8 @@ TEST_F(EventHubTest, HandlesEventsDispatchedBeforeItStarts) {
 
 TEST_F(EventHubTest, RefusesEventsBeyondItsLimitAndCountsItsOwn) {
   Velmora::EventHubLimits limits;
-  limits.events = 3;
-  limits.requests = 0;
+  limits.events.items = 3;
+  limits.requests.items = 0;
   hub = EventHub::Create(services, limits);
   const auto listener = std::make_shared<RecordingListener>();
   RegisterWith("listening", listener);
@@ -158,8 +158,8 @@ TEST_F(EventHubTest, RefusesEventsBeyondItsLimitAndCountsItsOwn) {
 
 TEST_F(EventHubTest, AFloodLeavesRoomForTheCoresOwnRequests) {
   Velmora::EventHubLimits limits;
-  limits.events = 3;
-  limits.requests = 2;
+  limits.events.items = 3;
+  limits.requests.items = 2;
   hub = EventHub::Create(services, limits);
   const auto listener = std::make_shared<RecordingListener>();
   RegisterWith("listening", listener);
@@ -314,7 +314,7 @@ TEST_F(EventHubTest, OrdersAModulesStatesByWhatItHasHandledNotByWhatWaits) {
 
 TEST_F(EventHubTest, DropsEventsBeyondAModulesLimitWithoutHarmToOthers) {
   Velmora::EventHubLimits limits;
-  limits.moduleEvents = 2;
+  limits.moduleEvents.items = 2;
   StartHub(limits);
   const auto gate = std::make_shared<Gate>();
   const auto slow = std::make_shared<RecordingListener>([gate](const auto&) { gate->Pass(); });
