@@ -313,6 +313,7 @@ TEST_F(RulesDownloadTest, WithoutADataStoreRulesServeButAreNotRemembered) {
   log.AllowLines(LogLevel::Warning, "Configuration", testing::_);
   log.ExpectLine(LogLevel::Warning, "Rules",
                  "the rules will not be remembered: there is no data store that works");
+  log.AllowLines(LogLevel::Warning, "Identity", testing::HasSubstr("no data store"));
   StartCore();
   Install(Archive(RuleThen("a", kOpen, R"("once": true, )")));
   Visit();
