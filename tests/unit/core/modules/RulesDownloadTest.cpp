@@ -315,6 +315,7 @@ TEST_F(RulesDownloadTest, WithoutADataStoreRulesServeButAreNotRemembered) {
   }
   log.ExpectLine(LogLevel::Warning, "Rules",
                  "the rules will not be remembered: there is no data store that works");
+  log.AllowLines(LogLevel::Warning, "Identity", testing::HasSubstr("no data store"));
   StartCore();
   Install(Archive(RuleThen("a", kOpen, R"("once": true, )")));
   Visit();
