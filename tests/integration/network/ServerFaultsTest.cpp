@@ -20,16 +20,17 @@ using TestSupport::WaitUntil;
 using ServerFaultsTest = CaseFixture;
 OVER_EVERY_SERVER(ServerFaultsTest);
 
-TEST_P(ServerFaultsTest, WaitsForASlowFirstByteAsLongAsItMay) {
+TEST_P(ServerFaultsTest, WaitsForASlowFirstByte) {
   EXPECT_THAT(Fetch(Url("/live/slow")), Brings(200, "late"));
-  EXPECT_THAT(FetchImpatiently(Url("/live/slow")), FailsWith(UrlFailure::TimedOut));
 }
 
 // The whole takes longer than the idle timeout; each byte begins it anew.
 TEST_P(ServerFaultsTest, WaitsForABodyThatDrips) {
+  Platform::UrlRequest request = RequestFor(Url("/live/drip"));
+  request.idleTimeout = 3s;
   const auto start = Clock::now();
-  EXPECT_THAT(FetchImpatiently(Url("/live/drip")), Brings(200, "0123456789"));
-  EXPECT_GT(Clock::now() - start, 1s);
+  EXPECT_THAT(TestSupport::Fetch(*session, request), Brings(200, "0123456789"));
+  EXPECT_GT(Clock::now() - start, 3s);
 }
 
 TEST_P(ServerFaultsTest, EndsATransferThatFallsSilent) {
