@@ -83,15 +83,6 @@ TEST_F(MessageOnScreen, LeavesTheFocusWhereItWas) {
   EXPECT_TRUE(UntilEntered("abcdef"));
 }
 
-TEST_F(MessageOnScreen, LeavesTheSelectionAsItWas) {
-  gtk_editable_set_text(GTK_EDITABLE(entry), "size m");
-  gtk_editable_select_region(GTK_EDITABLE(entry), 5, 6);
-  const auto message = Show(BluePage());
-  TestSupport::TypeText("l");
-  EXPECT_TRUE(UntilEntered("size l"));
-  Remove(message);
-}
-
 TEST_F(MessageOnScreen, TakesTheClicksWhileItIsThere) {
   const auto message = Show(BluePage());
   TestSupport::Click(button);
