@@ -1,6 +1,6 @@
 # The front door. `make demo` and `make test` are all that a newcomer needs.
 
-.PHONY: help setup demo test stress sanitize lint tidy bench fuzz format
+.PHONY: help setup demo test stress sanitize lint tidy bench fuzz docs package format
 
 help:
 	@echo "make demo      install what is missing, build, and run the sample apps"
@@ -11,6 +11,8 @@ help:
 	@echo "make sanitize  the tests under the address, undefined-behaviour and thread sanitizers"
 	@echo "make bench     the figures beside their rivals, also in build/bench/bench.json"
 	@echo "make fuzz      two minutes of fuzzing for each target"
+	@echo "make docs      the public headers as HTML, in build/docs"
+	@echo "make package   Debian packages, in build/package/packages"
 	@echo "make format    lay out the sources as .clang-format says"
 
 setup:
@@ -18,8 +20,9 @@ setup:
 
 demo: setup
 	@tools/build dev catalogue devserver download services shopwindow storefront
-	@tools/demo
+	@tools/demo_services
 	@tools/demo_download
+	@tools/demo
 	@[ -z "$$DISPLAY$$WAYLAND_DISPLAY" ] || tools/demo_window
 
 test: setup
@@ -49,6 +52,13 @@ bench: setup
 fuzz: setup
 	@tools/build fuzz fuzzers
 	@tools/fuzz
+
+docs: setup
+	@tools/docs
+
+package: setup
+	@tools/build package
+	@cpack --config build/package/CPackConfig.cmake
 
 format: setup
 	@git ls-files --cached --others --exclude-standard '*.cpp' '*.h' | xargs clang-format -i

@@ -32,9 +32,9 @@ function(qexcore_precompile target)
 endfunction()
 
 if(QEXCORE_PRECOMPILED_HEADERS)
-  set(precompiled_stub ${CMAKE_CURRENT_BINARY_DIR}/QEXCorePrecompiled.cpp)
-  file(CONFIGURE OUTPUT ${precompiled_stub} CONTENT "namespace {}\n")
-  add_library(QEXCorePrecompiled OBJECT ${precompiled_stub})
+  set(precompiled_source ${CMAKE_CURRENT_BINARY_DIR}/QEXCorePrecompiled.cpp)
+  file(CONFIGURE OUTPUT ${precompiled_source} CONTENT "namespace {}\n")
+  add_library(QEXCorePrecompiled OBJECT ${precompiled_source})
   target_link_libraries(QEXCorePrecompiled PRIVATE QEXCoreBuildFlags)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # ccache sees through a precompiled header only with this.

@@ -1,33 +1,38 @@
-// A shop without a window: configures and starts the SDK, does what a visit to a shop does, and
-// shows each event that the hub saw. Log lines go to standard error, events to standard output.
+// A shop without a window. Each run is one visit: the shop configures and starts the SDK, fetches
+// its rules, tracks what the visitor does, and ends. Log lines go to standard error, the rest to
+// standard output.
 
 #include <cstdlib>
-#include <future>
+#include <exception>
 #include <iostream>
+#include <memory>
 #include <mutex>
 #include <string>
 
 #include <CLI/CLI.hpp>
-#include <QEXCore_iOS/GetCore.h>
+#include <QEXCore_iOS/Platform/Host.h>
 #include <QEXCore_iOS/QEXCore.h>
-#include <VelmoraCore/Core.h>
 
 #include "CartReader.h"
+#include "CountingLog.h"
 #include "EventText.h"
-#include "EventWatcher.h"
+#include "HubObserver.h"
+#include "PreviousInstallation.h"
+#include "Summary.h"
+#include "Visit.h"
 
 namespace {
 
-using namespace std::chrono_literals;
-
-constexpr const char* kLastEvent = "shop closed";
-
 struct Options {
+  std::string appId;
   std::string configuration;
-  std::string deepLink;
-  std::string messageId;
-  std::string notificationId;
+  std::string trust;
+  Storefront::Launch launch;
   unsigned logLevel = static_cast<unsigned>(QEXMobileLogLevel::debug);
+  bool isQuiet = false;
+  bool leavesPreviousInstallation = false;
+  bool waitsForDelivery = false;
+  bool hasSummary = false;
 };
 
 // Prints whole lines, whichever thread they come from.
@@ -37,90 +42,75 @@ void Print(const std::string& line) {
   std::cout << line << std::endl;
 }
 
-// Registers a listener for all events that prints each one, and tells when the last one was heard.
-std::future<void> WatchEvents() {
-  auto closed = std::make_shared<std::promise<void>>();
-  std::future<void> closing = closed->get_future();
-  const auto watcher = Storefront::MakeEventWatcher([closed](const Velmora::Event& event) {
-    Print(Storefront::TextOf(event));
-    if (event.GetName() == kLastEvent) closed->set_value();
-  });
-  GetCore()->RegisterExternalModule(
-      watcher, [](Velmora::SdkError& error) { Print(std::string("refused: ") + error.what()); });
-  return closing;
-}
-
-bool StartSdk() {
-  auto started = std::make_shared<std::promise<void>>();
-  QEXCore::start([started] { started->set_value(); });
-  return started->get_future().wait_for(10s) == std::future_status::ready;
-}
-
-void CollectLaunchInformation(const Options& options) {
-  QEXCore::collectLaunchInfo({{"krv_deeplink", options.deepLink},
-                              {"krv_m_id", options.messageId},
-                              {"krv_m_l_id", options.notificationId},
-                              {"launched.by", "the shop's own key, which the SDK leaves alone"}});
-}
-
-void VisitTheShop() {
-  QEXCore::lifecycleStart({{"channel", "kiosk"}});
-  QEXCore::trackState("catalogue", {{"category", "shoes"}});
-  QEXCore::trackAction("addToCart", {{"sku", "A-17"}, {"size", "M"}});
-  // Context data are texts; the price is dropped with a warning.
-  QEXCore::trackAction("checkout", {{"cart", "A-17"}, {"price", 19.90}});
-  QEXCore::collectPii({{"email", "visitor@example.com"}});
-  QEXCore::setPushIdentifier(Platform::Value::FromData({0x0A, 0x0B}));
-  QEXCore::lifecyclePause();
-}
-
-void AskForIdentities() {
-  QEXCore::getPrivacyStatus([](QEXMobilePrivacyStatus status) {
-    Print("privacy status: " + std::to_string(static_cast<unsigned>(status)));
-  });
-  QEXCore::getSdkIdentities([](const std::optional<std::string>& identities) {
-    Print("identities: " + identities.value_or("none"));
-  });
-}
-
-void CloseTheShop() {
-  GetCore()->DispatchEvent(
-      std::make_shared<Velmora::Event>(kLastEvent, "storefront", "shop"),
-      [](Velmora::SdkError& error) { Print(std::string("refused: ") + error.what()); });
-}
-
 Options ReadCommandLine(int argc, char** argv, CLI::App& app) {
   Options options;
+  app.add_option("--app-id", options.appId, "app id to configure the SDK for");
   app.add_option("--config", options.configuration, "JSON file to configure the SDK from");
-  app.add_option("--deeplink", options.deepLink, "deep link that the app was launched with");
-  app.add_option("--message-id", options.messageId, "push message that launched the app");
-  app.add_option("--notification-id", options.notificationId, "notification that launched the app");
+  app.add_option("--trust", options.trust, "PEM file of an authority to trust");
+  app.add_option("--deeplink", options.launch.deepLink, "deep link that launched the app");
+  app.add_option("--message-id", options.launch.messageId, "push message that launched the app");
+  app.add_option("--notification-id", options.launch.notificationId,
+                 "notification that launched the app");
   app.add_option("--log-level", options.logLevel, "0 error, 1 warning, 2 debug, 3 trace")
       ->check(CLI::Range(0U, 3U));
+  app.add_flag("--quiet", options.isQuiet, "do not print events");
+  app.add_flag("--leave-previous-installation", options.leavesPreviousInstallation,
+               "leave what the previous generation of the SDK left, and end");
+  app.add_flag("--wait-for-delivery", options.waitsForDelivery,
+               "end only when no hit waits any more");
+  app.add_flag("--summary", options.hasSummary, "tell what each service did");
   app.parse(argc, argv);
   return options;
 }
 
+std::shared_ptr<const Storefront::CountingLog> InstallHost(const Options& options) {
+  Platform::HostOptions hostOptions;
+  hostOptions.extraTrustFile = options.trust;
+  Platform::Host host = Platform::Host::CreateDefault(hostOptions);
+  const auto log = std::make_shared<Storefront::CountingLog>(host.systemLog);
+  host.systemLog = log;
+  Platform::Host::Install(host);
+  return log;
+}
+
+void TellHits(const Storefront::HitNumbers& hits) {
+  Print("hits: " + std::to_string(hits.sent) + " sent during this visit, " +
+        std::to_string(hits.waiting) + " wait on the device");
+}
+
 int Run(const Options& options) {
+  const auto log = InstallHost(options);
+  if (options.leavesPreviousInstallation) {
+    Storefront::LeavePreviousInstallation();
+    return EXIT_SUCCESS;
+  }
   QEXCore::setLogLevel(static_cast<QEXMobileLogLevel>(options.logLevel));
-  std::future<void> closing = WatchEvents();
+  const Storefront::HubObserver observer([&options](const Velmora::Event& event) {
+    if (!options.isQuiet) Print(Storefront::TextOf(event));
+  });
   if (!Storefront::RegisterCart()) return EXIT_FAILURE;
-  if (!options.configuration.empty()) QEXCore::configureWithFileInPath(options.configuration);
-  if (!StartSdk()) {
+  const Storefront::Visit visit(observer);
+  if (!visit.Start(options.appId, options.configuration)) {
     Print("the SDK did not start within ten seconds");
     return EXIT_FAILURE;
   }
-  CollectLaunchInformation(options);
-  VisitTheShop();
-  Storefront::PutIntoCart("A-17");
-  AskForIdentities();
-  CloseTheShop();
-  if (closing.wait_for(10s) != std::future_status::ready) {
-    Print("the last event was not heard within ten seconds");
+  if (!options.appId.empty()) visit.FetchRules();
+  Storefront::Traces traces;
+  traces.lifecycle = visit.Begin(options.launch);
+  visit.LookAround();
+  visit.BuyShoes();
+  visit.Leave();
+  visit.TellIdentities();
+  if (options.waitsForDelivery && !visit.WaitUntilHitsAreSent()) {
+    Print("hits still wait after twenty seconds");
     return EXIT_FAILURE;
   }
+  traces.hits = visit.AskForHits();
+  traces.logLines = log->Count();
+  TellHits(traces.hits);
+  const bool isComplete = !options.hasSummary || Storefront::PrintSummary(observer, traces);
   Print("QEXCore " + QEXCore::extensionVersion() + ": the visit is over.");
-  return EXIT_SUCCESS;
+  return isComplete ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 }  // namespace
@@ -131,5 +121,8 @@ int main(int argc, char** argv) {
     return Run(ReadCommandLine(argc, argv, app));
   } catch (const CLI::ParseError& error) {
     return app.exit(error);
+  } catch (const std::exception& error) {
+    std::cerr << "storefront: " << error.what() << '\n';
+    return EXIT_FAILURE;
   }
 }

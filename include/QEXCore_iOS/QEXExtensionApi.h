@@ -37,7 +37,8 @@ class QEXCORE_API QEXExtensionApi {
   // An instance of the class, a QEXExtensionListener, hears every event of exactly this type and
   // source from now on; from the extension's init, every event since the registration. A listener
   // registered before for the same pair is replaced. Codes 3 and 4: the hub does not take this type
-  // or source. The class is not checked: of one that is no listener, nobody hears anything.
+  // or source. Code 0 too when the extension has 10,000 listeners. The class is not checked: of one
+  // that is no listener, nobody hears anything.
   bool registerListener(const Platform::Class& listenerClass,
                         const std::optional<std::string>& eventType,
                         const std::optional<std::string>& eventSource, Platform::Error* error);
@@ -56,8 +57,8 @@ class QEXCORE_API QEXExtensionApi {
   bool clearSharedEventStates(Platform::Error* error);
 
   // The state of the module of that name as it stood at `event`, or the newest when `event` is
-  // absent. Absent without an error when the module has none; absent with code 0 when it is pending
-  // or is no JSON text.
+  // absent or has not been through the hub. Absent without an error when the module has none;
+  // absent with code 0 when it is pending or is no JSON text.
   Platform::Value getSharedEventState(const std::optional<std::string>& stateOwner,
                                       const std::shared_ptr<QEXExtensionEvent>& event,
                                       Platform::Error* error);

@@ -1,5 +1,7 @@
 #include "extension/ExternalModuleInterfaceWrapper.h"
 
+#include <utility>
+
 #include "extension/ExtensionApi.h"
 #include "extension/ExtensionErrors.h"
 #include "interop/StringConversion.h"
@@ -40,8 +42,9 @@ void ExternalModuleInterfaceWrapper::OnUnregister() {
   // An override of onUnregister may forget the base class; the API and the instance must not hold
   // each other for good then.
   if (const std::shared_ptr<QEXExtensionApi> api = api_.lock()) api->LetGo();
-  extension_->onUnregister();
-  extension_ = nullptr;
+  // Released also when the override throws: it is the last that the instance hears of.
+  const std::shared_ptr<QEXExtension> leaving = std::exchange(extension_, nullptr);
+  leaving->onUnregister();
 }
 
 std::shared_ptr<ExternalModuleInterface> CreateExternalModuleInterface(

@@ -1,13 +1,10 @@
 #pragma once
 
-#include <atomic>
-#include <future>
 #include <string>
-#include <thread>
 
 #include <gio/gio.h>
 
-#include "platform/linux/GlibPointers.h"
+#include "support/FakeBusService.h"
 
 namespace TestSupport {
 
@@ -21,9 +18,6 @@ class FakeModemManager {
   // the bus.
   FakeModemManager(const std::string& busAddress, const std::string& reply,
                    Manner manner = Manner::Answers);
-  ~FakeModemManager();
-  FakeModemManager(const FakeModemManager&) = delete;
-  FakeModemManager& operator=(const FakeModemManager&) = delete;
 
   // The reply of a service without a modem.
   static std::string NoModem();
@@ -35,16 +29,11 @@ class FakeModemManager {
   static std::string OneModemWithout3gpp();
 
  private:
-  void Run(const std::string& busAddress, std::promise<std::string>& failure);
-  static void OnCall(GDBusConnection* connection, const char* sender, const char* path,
-                     const char* interface, const char* method, GVariant* arguments,
-                     GDBusMethodInvocation* invocation, gpointer self);
+  void Answer(GDBusMethodInvocation* invocation) const;
 
   const std::string reply_;
   const Manner manner_;
-  const Platform::GMainContextPointer context_;
-  std::atomic<bool> stop_{false};
-  std::thread thread_;
+  const FakeBusService service_;  // last: it is called as long as it lives
 };
 
 }  // namespace TestSupport

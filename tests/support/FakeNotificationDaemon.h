@@ -2,14 +2,12 @@
 
 #include <atomic>
 #include <cstdint>
-#include <future>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gio/gio.h>
 
-#include "platform/linux/GlibPointers.h"
+#include "support/FakeBusService.h"
 #include "support/Guarded.h"
 
 namespace TestSupport {
@@ -35,9 +33,6 @@ class FakeNotificationDaemon {
   // Throws std::runtime_error when the service cannot get onto the bus.
   explicit FakeNotificationDaemon(const std::string& busAddress, Manner manner = Manner::Shows,
                                   bool readsMarkup = false);
-  ~FakeNotificationDaemon();
-  FakeNotificationDaemon(const FakeNotificationDaemon&) = delete;
-  FakeNotificationDaemon& operator=(const FakeNotificationDaemon&) = delete;
 
   // What it was asked to show, in order.
   std::vector<Shown> AllShown() const { return shown_.Get(); }
@@ -50,22 +45,15 @@ class FakeNotificationDaemon {
   void Close(std::uint32_t id);
 
  private:
-  void Run(const std::string& busAddress, std::promise<std::string>& failure);
-  void Emit(const char* signal, GVariant* arguments);
+  void Answer(const std::string& method, GVariant* arguments, GDBusMethodInvocation* invocation);
   void OnNotify(GVariant* arguments, GDBusMethodInvocation* invocation);
-  static void OnCall(GDBusConnection* connection, const char* sender, const char* path,
-                     const char* interface, const char* method, GVariant* arguments,
-                     GDBusMethodInvocation* invocation, gpointer self);
 
   const Manner manner_;
   const bool readsMarkup_;
-  const Platform::GMainContextPointer context_;
-  Platform::GObjectPointer<GDBusConnection> connection_;
   Guarded<std::vector<Shown>> shown_;
   std::atomic<int> timesAsked_{0};
   std::uint32_t lastId_ = 0;
-  std::atomic<bool> stop_{false};
-  std::thread thread_;
+  const FakeBusService service_;  // last: it is called as long as it lives
 };
 
 }  // namespace TestSupport

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -12,6 +14,7 @@
 #include "QEXCore_iOS/QEXExtensionApi.h"
 #include "QEXCore_iOS/QEXExtensionEvent.h"
 #include "QEXCore_iOS/QEXExtensionListener.h"
+#include "VelmoraCore/Event.h"
 #include "support/Guarded.h"
 
 // Extensions and listeners that do as a test says. Since the SDK makes the instances, the script
@@ -23,6 +26,34 @@ using ExtensionEvent = std::shared_ptr<QEXExtensionEvent>;
 // How many instances of any of these classes there are.
 inline std::atomic<int> liveExtensions{0};
 inline std::atomic<int> liveListeners{0};
+
+// The APIs that these extensions were given, and the events that these listeners heard, as the
+// public face shows them and as the core has them: whether any of them is still alive.
+template <class T>
+class Watched {
+ public:
+  void Add(const std::shared_ptr<T>& object) {
+    seen_.With([&](auto& all) {
+      constexpr std::size_t kEnoughToTidyUp = 1'000;
+      if (all.size() % kEnoughToTidyUp == 0) {
+        std::erase_if(all, [](const auto& each) { return each.expired(); });
+      }
+      all.push_back(object);
+    });
+  }
+  std::size_t CountLive() const {
+    return seen_.With([](const auto& all) {
+      return static_cast<std::size_t>(
+          std::count_if(all.begin(), all.end(), [](const auto& each) { return !each.expired(); }));
+    });
+  }
+
+ private:
+  Guarded<std::vector<std::weak_ptr<T>>> seen_;
+};
+inline Watched<QEXExtensionApi> watchedApis;
+inline Watched<QEXExtensionEvent> watchedEvents;
+inline Watched<Velmora::Event> watchedCoreEvents;
 
 struct ExtensionScript {
   std::optional<std::string> name = "test.extension";
@@ -49,6 +80,7 @@ class ScriptedExtension : public QEXExtension {
 
   std::shared_ptr<QEXExtension> init() override {
     Note("init");
+    watchedApis.Add(api());
     const ExtensionScript current = script.Get();
     if (current.onInit) current.onInit(*this);
     return current.initGivesNothing ? nullptr : QEXExtension::init();
@@ -95,6 +127,8 @@ class ScriptedListener : public QEXExtensionListener {
   ~ScriptedListener() override { --liveListeners; }
 
   void hear(const ExtensionEvent& event) override {
+    watchedEvents.Add(event);
+    watchedCoreEvents.Add(event->getInternalEvent());
     const Note note{event->eventName().value_or("")};
     if (const OnHear act = onHear.Get()) act(*this, event);
   }

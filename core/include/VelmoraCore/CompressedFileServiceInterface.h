@@ -18,7 +18,8 @@ class VELMORA_CORE_API CompressedFileServiceInterface : public virtual ObjectInt
   // SdkError with a "compressed-file." code when the archive cannot be read or is damaged, or when
   // an entry cannot be written; entries written before stay.
   //
-  // Entry names are not confined to the destination: unpack only archives that are trusted.
+  // Entry names are not confined to the destination: unpack only archives that are trusted. The
+  // archive itself is never changed, whatever the names.
   virtual bool Extract(const std::string& archivePath, CompressedFileType type,
                        const std::string& destinationDirectory) = 0;
 };

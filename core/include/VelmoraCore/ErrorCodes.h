@@ -53,6 +53,7 @@ inline constexpr const char* kExternalModuleEventDataNotSupported =
     "external_module.event_data_not_supported";
 inline constexpr const char* kExternalModuleEventWasNull = "external_module.event_was_null";
 inline constexpr const char* kExternalModuleListenerWasNull = "external_module.listener_was_null";
+inline constexpr const char* kExternalModuleTooManyListeners = "external_module.too_many_listeners";
 inline constexpr const char* kExternalModuleNotRegistered = "external_module.not_registered";
 
 inline constexpr const char* kEventHubDisposed = "event_hub.disposed";

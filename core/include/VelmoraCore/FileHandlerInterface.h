@@ -41,7 +41,7 @@ class VELMORA_CORE_API FileHandlerInterface : public virtual ObjectInterface {
   // the rest of the buffer is filled with zeros.
   virtual std::uint32_t Read(std::uint32_t count, std::uint8_t* buffer) = 0;
 
-  // False when no file is open.
+  // False when no file is open, and when the device tells only now that it has lost something.
   virtual bool Close() = 0;
 };
 

@@ -11,7 +11,10 @@
 #include "base/LeftoverThreads.h"
 #include "base/LogText.h"
 #include "base/SystemClock.h"
+#include "hub/EventHubModuleContext.h"
 #include "hub/EventRules.h"
+#include "hub/EventSize.h"
+#include "hub/GuardedCalls.h"
 
 namespace Velmora {
 namespace {
@@ -47,78 +50,7 @@ SdkError NameIsTaken(const std::string& name, int line) {
           DebugInfo(kSourceLocation, line)};
 }
 
-void NameThisThread(const PlatformServicesInterface& services, const std::string& name) {
-  TrySwallow([&] {
-    const std::shared_ptr<SystemInfoServiceInterface> info = services.GetSystemInfoService();
-    if (info != nullptr) info->SetCurrentThreadName(name);
-  });
-}
-
-void CallGuarded(const std::function<void()>& callback) {
-  TryCatch(callback,
-           [](SdkError& error) { Log::Error(kLogTag, "a callback failed: %s", error.what()); });
-}
-
-void CallModule(const std::string& name, const Event& event, const std::function<void()>& call) {
-  TryCatch(call, [&](SdkError& error) {
-    Log::Error(kLogTag, "module %s: event %lld failed: %s", name.c_str(),
-               static_cast<long long>(event.GetNumber()), error.what());
-  });
-}
-
-std::string NameOf(ExternalModuleInterface& module) {
-  std::string name;
-  TryCatch([&] { name = module.GetModuleName(); },
-           [](SdkError& error) {
-             Log::Error(kLogTag, "a module could not tell its name: %s", error.what());
-           });
-  return name;
-}
-
-std::string VersionOf(ExternalModuleInterface& module) {
-  std::string version;
-  TrySwallow(
-      [&] { version = LogText::Readable(module.GetModuleVersion(), EventRules::kMaxNameLength); });
-  return version;
-}
-
 }  // namespace
-
-class EventHub::ModuleContext final : public HubContext {
- public:
-  ModuleContext(EventHub& hub, std::string name) : hub_(hub), name_(std::move(name)) {}
-
-  void Listen(const std::string& type, const std::string& source, Handler handler) override {
-    hub_.ownListeners_[ExternalModuleHost::Topic(type, source)].push_back(
-        {name_, std::move(handler)});
-  }
-  void ListenToAll(Handler handler) override {
-    hub_.ownWildcardListeners_.push_back({name_, std::move(handler)});
-  }
-  void Dispatch(std::shared_ptr<Event> event) override {
-    hub_.PostFromInside(std::move(event), "");
-  }
-  Poster WayHome() override {
-    return [weakHub = hub_.weak_from_this()](std::function<void()> work) {
-      const std::shared_ptr<EventHub> hub = weakHub.lock();
-      if (hub == nullptr) return;
-      hub->queue_.Push({nullptr, std::move(work), ""}, Queue::Admission::Always);
-    };
-  }
-  bool SetSharedState(const std::string& json, const std::shared_ptr<Event>& event) override {
-    return hub_.EventHub::SetSharedState(name_, std::make_shared<const std::string>(json), event);
-  }
-  std::shared_ptr<const std::string> GetSharedState(const std::string& owner,
-                                                    const std::shared_ptr<Event>& event) override {
-    return hub_.EventHub::GetSharedState(owner, event);
-  }
-  PlatformServicesInterface& Services() override { return *hub_.services_; }
-  Clock& GetClock() override { return *hub_.clock_; }
-
- private:
-  EventHub& hub_;
-  const std::string name_;
-};
 
 std::shared_ptr<EventHub> EventHub::Create(std::shared_ptr<PlatformServicesInterface> services,
                                            EventHubLimits limits, std::shared_ptr<Clock> clock) {
@@ -186,7 +118,7 @@ std::optional<SdkError> EventHub::Dispatch(const std::shared_ptr<Event>& event,
   if (isDisposed_) return Disposed(__LINE__);
   std::optional<std::int64_t> ticket;
   if (onResponse) ticket = responseWaiters_.Add(event->GetId(), std::move(onResponse));
-  const Queue::Outcome outcome = queue_.Push({event, nullptr, ""}, Queue::Admission::Refusable);
+  const Queue::Outcome outcome = Push(ItemOf(event), Queue::Admission::Refusable);
   if (outcome == Queue::Outcome::Accepted) return std::nullopt;
   if (ticket.has_value()) responseWaiters_.Remove(*ticket);
   if (outcome == Queue::Outcome::Stopped) return Disposed(__LINE__);
@@ -197,27 +129,35 @@ std::optional<SdkError> EventHub::Dispatch(const std::shared_ptr<Event>& event,
 void EventHub::Post(const std::shared_ptr<Event>& event, ResponseWaiters::Callback onResponse) {
   std::optional<std::int64_t> ticket;
   if (onResponse) ticket = responseWaiters_.Add(event->GetId(), std::move(onResponse));
-  const bool isAccepted = PostItem({event, nullptr, ""}, Queue::Admission::Reserved);
+  const bool isAccepted = PostItem(ItemOf(event), Queue::Admission::Reserved);
   if (!isAccepted && ticket.has_value()) responseWaiters_.Remove(*ticket);
 }
 
 void EventHub::PostReport(const std::shared_ptr<Event>& event) {
-  PostItem({event, nullptr, ""}, Queue::Admission::CountedWhenRefused);
+  PostItem(ItemOf(event), Queue::Admission::CountedWhenRefused);
 }
 
 void EventHub::PostAndFollow(const std::shared_ptr<Event>& event, std::function<void()> whenDone) {
-  PostItem({event,
-            [this, whenDone = std::move(whenDone)] {
-              if (whenDone) CallWhenModulesAreRegistered(whenDone);
-            },
-            ""},
-           Queue::Admission::Reserved);
+  Item item = ItemOf(event);
+  item.whenHandled = [this, whenDone = std::move(whenDone)] {
+    if (whenDone) CallWhenModulesAreRegistered(whenDone);
+  };
+  PostItem(std::move(item), Queue::Admission::Reserved);
+}
+
+EventHub::Item EventHub::ItemOf(const std::shared_ptr<Event>& event, std::string deafModule) {
+  return {event, nullptr, std::move(deafModule), SizeOf(*event)};
+}
+
+EventHub::Queue::Outcome EventHub::Push(Item item, Queue::Admission admission) {
+  const std::size_t bytes = item.bytes;
+  return queue_.Push(std::move(item), admission, bytes);
 }
 
 bool EventHub::PostItem(Item item, Queue::Admission admission) {
   const std::string name = item.event->GetName();
   const Queue::Outcome outcome =
-      isDisposed_ ? Queue::Outcome::Stopped : queue_.Push(std::move(item), admission);
+      isDisposed_ ? Queue::Outcome::Stopped : Push(std::move(item), admission);
   if (outcome == Queue::Outcome::Stopped) {
     Log::Debug(kLogTag, "\"%s\" was ignored: the event hub has been disposed", name.c_str());
   }
@@ -227,8 +167,8 @@ bool EventHub::PostItem(Item item, Queue::Admission admission) {
 void EventHub::PostFromInside(std::shared_ptr<Event> event, const std::string& deafModule) {
   // There are no more answers than requests, which have found their room.
   const bool isAnswer = event->GetRequestId().has_value();
-  queue_.Push({std::move(event), nullptr, deafModule},
-              isAnswer ? Queue::Admission::Reserved : Queue::Admission::CountedWhenRefused);
+  Push(ItemOf(event, deafModule),
+       isAnswer ? Queue::Admission::Reserved : Queue::Admission::CountedWhenRefused);
 }
 
 void EventHub::Handle(const Item& item) {
@@ -239,20 +179,21 @@ void EventHub::Handle(const Item& item) {
   const std::shared_ptr<Event> event = item.event->WithNumber(++lastNumber_);
   TraceEvent(*event);
   if (event->GetNumber() == 1) TellOfFirstEvent(event);
-  CallResponseWaiters(event);
+  CallResponseWaiters(event, item.bytes);
   const std::string topic = ExternalModuleHost::Topic(event->GetType(), event->GetSource());
   TellOwnModules(topic, event);
   const std::shared_ptr<const ModuleRegistry::Hosts> hosts = modules_.Active();
   for (const std::shared_ptr<ExternalModuleHost>& host : *hosts) {
-    if (item.deafModule.empty() || host->Name() != item.deafModule) host->Offer(topic, event);
+    if (item.deafModule.empty() || host->Name() != item.deafModule)
+      host->Offer(topic, event, item.bytes);
   }
   if (item.whenHandled) item.whenHandled();
 }
 
-void EventHub::CallResponseWaiters(const std::shared_ptr<Event>& event) {
+void EventHub::CallResponseWaiters(const std::shared_ptr<Event>& event, std::size_t bytes) {
   if (!event->GetRequestId().has_value()) return;
   for (ResponseWaiters::Callback& callback : responseWaiters_.Take(*event->GetRequestId())) {
-    Call([callback = std::move(callback), event] { callback(event); });
+    Call([callback = std::move(callback), event] { callback(event); }, bytes);
   }
 }
 
@@ -283,10 +224,16 @@ void EventHub::EndOwnModules() const {
 }
 
 void EventHub::CallWhenModulesAreRegistered(const std::function<void()>& callback) {
+  if (*followers_ >= limits_.callbacks.items) {
+    callbacks_.CountRefused();
+    return;
+  }
+  ++*followers_;
+  const std::shared_ptr<void> place(nullptr, [followers = followers_](void*) { --*followers; });
   const std::shared_ptr<const ModuleRegistry::Hosts> hosts = modules_.Active();
   const auto awaited = std::make_shared<std::atomic<std::size_t>>(hosts->size() + 1);
   // A module keeps this until it is registered; the hub may be gone by then.
-  const auto countDown = [weakSelf = weak_from_this(), awaited, callback] {
+  const auto countDown = [weakSelf = weak_from_this(), place, awaited, callback] {
     if (awaited->fetch_sub(1) != 1) return;
     if (const std::shared_ptr<EventHub> self = weakSelf.lock()) self->Call(callback);
   };
@@ -296,8 +243,8 @@ void EventHub::CallWhenModulesAreRegistered(const std::function<void()>& callbac
   countDown();
 }
 
-void EventHub::Call(std::function<void()> callback) {
-  callbacks_.Push(std::move(callback), CallbackQueue::Admission::CountedWhenRefused);
+void EventHub::Call(std::function<void()> callback, std::size_t bytes) {
+  callbacks_.Push(std::move(callback), CallbackQueue::Admission::CountedWhenRefused, bytes);
 }
 
 std::optional<SdkError> EventHub::RegisterModule(
@@ -313,7 +260,7 @@ std::optional<SdkError> EventHub::RegisterModule(
   const std::string version = VersionOf(*module);
   JoinEnded();
   const auto host = std::make_shared<ExternalModuleHost>(module, name, shared_from_this(),
-                                                         AcceptedCount(), limits_.moduleEvents);
+                                                         AcceptedCount(), limits_);
   switch (modules_.Add(host)) {
     case ModuleRegistry::Addition::Closed:
       return Disposed(__LINE__);
@@ -344,7 +291,7 @@ void EventHub::UnregisterModule(const std::shared_ptr<ExternalModuleHost>& host)
   // In this order: no state comes after the clearing, and no state of a successor before it, since
   // that one starts when this one's thread has ended.
   host->Deactivate();
-  states_.Clear(host->Name());
+  if (states_.Clear(host->Name())) AnnounceSharedState(host->Name());
   host->Stop();
 }
 
@@ -358,6 +305,9 @@ void EventHub::OnModuleEnded(const std::shared_ptr<ExternalModuleHost>& host) {
   if (error.has_value() && error->GetCode() != ErrorCodes::kEventHubDisposed) {
     Log::Error(kLogTag, "module %s could not be started: %s", successor->Name().c_str(),
                error->what());
+    // Who registered it was told that it had been accepted.
+    callbacks_.Push([successor, error = *error] { successor->Abandon(error); },
+                    CallbackQueue::Admission::Always);
   }
 }
 
@@ -369,6 +319,11 @@ bool EventHub::SetSharedState(const std::string& owner, std::shared_ptr<const st
                               const std::shared_ptr<Event>& event) {
   const bool isNumbered = event != nullptr && event->GetNumber() > 0;
   const std::int64_t number = isNumbered ? event->GetNumber() : AcceptedCount() + 1;
+  return SetSharedStateFrom(number, owner, std::move(json));
+}
+
+bool EventHub::SetSharedStateFrom(std::int64_t number, const std::string& owner,
+                                  std::shared_ptr<const std::string> json) {
   if (!states_.Set(owner, std::move(json), number)) return false;
   AnnounceSharedState(owner);
   return true;

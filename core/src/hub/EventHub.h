@@ -16,6 +16,7 @@
 #include "VelmoraCore/PlatformServicesInterface.h"
 #include "VelmoraCore/SdkError.h"
 #include "base/Clock.h"
+#include "hub/EventHubLimits.h"
 #include "hub/HubModule.h"
 #include "hub/ModuleRegistry.h"
 #include "hub/ResponseWaiters.h"
@@ -24,15 +25,6 @@
 
 namespace Velmora {
 
-// How much a hub lets wait. An event that finds its queue full is refused, the ones before it stay.
-struct EventHubLimits {
-  std::size_t events = 100'000;        // accepted and not yet handled
-  std::size_t requests = 10'000;       // room beyond those, for the core's own requests only
-  std::size_t moduleEvents = 100'000;  // the same, for each external module
-  std::size_t callbacks = 100'000;
-  std::size_t responseWaiters = 10'000;  // see ResponseWaiters
-};
-
 // Takes events from any thread, numbers them from 1 in the order in which they were accepted, and
 // brings them in that order to the modules that listen.
 //
@@ -40,8 +32,8 @@ struct EventHubLimits {
 // module has a thread named after it (see ExternalModuleHost); "VelmoraCallback" calls the
 // functions that callers passed in; "VelmoraClock" waits for the times that modules ask for. Every
 // operation may be called on any thread, these included, and returns at once, save Dispose. No lock
-// is held while calling out. Locks are taken in this
-// order: a module's, then a queue's or that of the shared states.
+// is held while calling out. Locks are taken in this order: a module's, then a queue's or that of
+// the shared states.
 //
 // What types, sources, data and module names must look like stands in EventRules. Refusals that the
 // caller cannot see are counted and reported in one warning once there is room again.
@@ -94,8 +86,8 @@ class EventHub : public std::enable_shared_from_this<EventHub> {
   // thread can be had.
   std::optional<SdkError> RegisterModule(const std::shared_ptr<ExternalModuleInterface>& module);
 
-  // The module hears nothing more and its states go; the rest happens on its own thread. Does
-  // nothing when it has left already.
+  // The module hears nothing more and its states go, which the others are told; the rest happens on
+  // its own thread. Does nothing when it has left already.
   void UnregisterModule(const std::shared_ptr<ExternalModuleHost>& host);
 
   // States count from `event`, or from the next event accepted when it is empty or unnumbered.
@@ -125,6 +117,7 @@ class EventHub : public std::enable_shared_from_this<EventHub> {
     std::shared_ptr<Event> event;  // none when there is only something to call
     std::function<void()> whenHandled;
     std::string deafModule;  // does not hear this event
+    std::size_t bytes = 0;
   };
   struct OwnModule {
     std::string name;
@@ -138,20 +131,24 @@ class EventHub : public std::enable_shared_from_this<EventHub> {
   using Queue = SerialQueue<Item>;
   using CallbackQueue = SerialQueue<std::function<void()>>;
 
+  static Item ItemOf(const std::shared_ptr<Event>& event, std::string deafModule = {});
+  Queue::Outcome Push(Item item, Queue::Admission admission);
   bool PostItem(Item item, Queue::Admission admission);
   void PostFromInside(std::shared_ptr<Event> event, const std::string& deafModule);
+  bool SetSharedStateFrom(std::int64_t number, const std::string& owner,
+                          std::shared_ptr<const std::string> json);
   void AnnounceSharedState(const std::string& owner);
   std::optional<SdkError> StartModule(const std::shared_ptr<ExternalModuleHost>& host);
 
   // On the hub's thread.
   void Handle(const Item& item);
-  void CallResponseWaiters(const std::shared_ptr<Event>& event);
+  void CallResponseWaiters(const std::shared_ptr<Event>& event, std::size_t bytes);
   void TellOfFirstEvent(const std::shared_ptr<Event>& event);
   void TellOwnModules(const std::string& topic, const std::shared_ptr<Event>& event) const;
   void EndOwnModules() const;
   void CallWhenModulesAreRegistered(const std::function<void()>& callback);
 
-  void Call(std::function<void()> callback);
+  void Call(std::function<void()> callback, std::size_t bytes = 0);
   void JoinAll();
   void JoinEnded();
 
@@ -168,6 +165,9 @@ class EventHub : public std::enable_shared_from_this<EventHub> {
   std::unordered_map<std::string, std::vector<OwnListener>> ownListeners_;  // by topic
   std::vector<OwnListener> ownWildcardListeners_;
   std::int64_t lastNumber_ = 0;  // for the hub's thread only
+  // How many wait until modules are registered; grows on the hub's thread only.
+  const std::shared_ptr<std::atomic<std::size_t>> followers_ =
+      std::make_shared<std::atomic<std::size_t>>(0);
 
   CallbackQueue callbacks_;
   Queue queue_;

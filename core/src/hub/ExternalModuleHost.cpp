@@ -16,12 +16,13 @@ constexpr const char* kLogTag = "EventHub";
 
 ExternalModuleHost::ExternalModuleHost(std::shared_ptr<ExternalModuleInterface> module,
                                        std::string name, const std::shared_ptr<EventHub>& hub,
-                                       std::int64_t acceptedCount, std::size_t capacity)
+                                       std::int64_t acceptedCount, const EventHubLimits& limits)
     : module_(std::move(module)),
       name_(std::move(name)),
       hub_(hub),
       acceptedCount_(acceptedCount),
-      queue_(capacity) {
+      mostListeners_(limits.moduleListeners),
+      queue_(limits.moduleEvents) {
   Do([this] { Register(); });
 }
 
@@ -40,6 +41,11 @@ bool ExternalModuleHost::Start() {
       },
       [self = shared_from_this()] { self->End(); },
   });
+}
+
+void ExternalModuleHost::Abandon(SdkError error) {
+  TellOfError(error);
+  module_ = nullptr;
 }
 
 void ExternalModuleHost::NameThread() const {
@@ -84,41 +90,45 @@ void ExternalModuleHost::CallWhenRegistered(std::function<void()> done) {
   done();
 }
 
-void ExternalModuleHost::Offer(const std::string& topic, const std::shared_ptr<Event>& event) {
+void ExternalModuleHost::Offer(const std::string& topic, const std::shared_ptr<Event>& event,
+                               std::size_t bytes) {
   const std::lock_guard<std::mutex> lock(mutex_);
   // Which events a module wants that is still being registered, only its listeners will tell.
   if (isRegistering_ || !wildcardListeners_.empty() || listeners_.contains(topic)) {
-    queue_.Push({event, nullptr}, SerialQueue<Task>::Admission::CountedWhenRefused);
+    queue_.Push({event, nullptr}, SerialQueue<Task>::Admission::CountedWhenRefused, bytes);
   }
 }
 
-bool ExternalModuleHost::AddListener(std::shared_ptr<ExternalModuleListenerInterface> listener,
-                                     const std::string& topic) {
+ExternalModuleHost::Addition ExternalModuleHost::AddListener(
+    std::shared_ptr<ExternalModuleListenerInterface> listener, const std::string& topic) {
   const std::shared_ptr<EventHub> hub = Hub();
   const auto added = std::make_shared<Listener>();
   added->target = std::move(listener);
   ListenerPointer replaced;  // goes after the lock
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (!IsActive() || hub == nullptr) return false;
+  if (!IsActive() || hub == nullptr) return Addition::Left;
+  if (listenerCount_ >= mostListeners_) return Addition::Full;
+  ++listenerCount_;
   added->firstNumber = (isRegistering_ ? acceptedCount_ : hub->AcceptedCount()) + 1;
   if (!topic.empty() && !isRegistering_ && listeners_.contains(topic)) {
     // The one before hears what waits already, so that no event falls between the two.
     Do([this, topic, added] { Replace(topic, added); });
-    return true;
+    return Addition::Added;
   }
   if (topic.empty()) {
     wildcardListeners_.push_back(added);
   } else {
     replaced = std::exchange(listeners_[topic], added);
   }
-  if (isRegistering_) {
-    // Events may wait already that these listeners are to hear; they are told before those.
-    std::erase(addedWhileRegistering_, replaced);
-    addedWhileRegistering_.push_back(added);
-  } else {
+  if (!isRegistering_) {
     Do([this, added] { TellRegistered(added); });
+    return Addition::Added;
   }
-  return true;
+  // Events may wait already that these listeners are to hear; they are told before those.
+  if (replaced != nullptr) --listenerCount_;
+  std::erase(addedWhileRegistering_, replaced);
+  addedWhileRegistering_.push_back(added);
+  return Addition::Added;
 }
 
 void ExternalModuleHost::Do(std::function<void()> action) {
@@ -131,6 +141,7 @@ void ExternalModuleHost::Replace(const std::string& topic, const ListenerPointer
     const std::lock_guard<std::mutex> lock(mutex_);
     if (!IsActive()) return;
     replaced = std::exchange(listeners_[topic], added);
+    --listenerCount_;
     added->firstNumber = replaced->firstNumber;
   }
   TellUnregistered(replaced);
@@ -191,7 +202,9 @@ void ExternalModuleHost::Join() { queue_.Join(); }
 void ExternalModuleHost::End() {
   for (const ListenerPointer& listener : TakeListeners()) TellUnregistered(listener);
   if (isTold_) {
-    Guard("OnUnregister", [this] { module_->OnUnregister(); });
+    // The last call: the module is not told what it throws.
+    TryCatch([this] { module_->OnUnregister(); },
+             [this](SdkError& error) { LogFailure("OnUnregister", error); });
   }
   module_ = nullptr;
   if (const std::shared_ptr<EventHub> hub = Hub()) hub->OnModuleEnded(shared_from_this());
@@ -207,13 +220,18 @@ std::vector<ExternalModuleHost::ListenerPointer> ExternalModuleHost::TakeListene
 
 void ExternalModuleHost::Guard(const char* operation, const std::function<void()>& call) {
   TryCatch(call, [this, operation](SdkError& error) {
-    Log::Error(kLogTag, "module %s: %s failed: %s", name_.c_str(), operation, error.what());
-    TryCatch([this, &error] { module_->OnUnexpectedError(error); },
-             [this](SdkError& again) {
-               Log::Error(kLogTag, "module %s: OnUnexpectedError failed: %s", name_.c_str(),
-                          again.what());
-             });
+    LogFailure(operation, error);
+    TellOfError(error);
   });
+}
+
+void ExternalModuleHost::TellOfError(SdkError& error) {
+  TryCatch([this, &error] { module_->OnUnexpectedError(error); },
+           [this](SdkError& again) { LogFailure("OnUnexpectedError", again); });
+}
+
+void ExternalModuleHost::LogFailure(const char* operation, const SdkError& error) const {
+  Log::Error(kLogTag, "module %s: %s failed: %s", name_.c_str(), operation, error.what());
 }
 
 }  // namespace Velmora

@@ -14,6 +14,7 @@
 #include "VelmoraCore/Event.h"
 #include "VelmoraCore/ExternalModuleInterface.h"
 #include "VelmoraCore/ExternalModuleListenerInterface.h"
+#include "hub/EventHubLimits.h"
 #include "hub/SerialQueue.h"
 
 namespace Velmora {
@@ -25,7 +26,7 @@ class EventHub;
 //
 // May be used on any thread. Life: made, Start (OnRegister, then events), Stop (OnUnregistered for
 // each listener, OnUnregister), after which the hub is told. Each callback that throws gives one
-// error line and is told to the module as an unexpected error.
+// error line and, save the last, is told to the module as an unexpected error.
 class ExternalModuleHost : public std::enable_shared_from_this<ExternalModuleHost> {
  public:
   using Deadline = std::chrono::steady_clock::time_point;
@@ -33,7 +34,7 @@ class ExternalModuleHost : public std::enable_shared_from_this<ExternalModuleHos
   // `acceptedCount` is the number of the last event before the module's registration.
   ExternalModuleHost(std::shared_ptr<ExternalModuleInterface> module, std::string name,
                      const std::shared_ptr<EventHub>& hub, std::int64_t acceptedCount,
-                     std::size_t capacity);
+                     const EventHubLimits& limits);
 
   const std::string& Name() const { return name_; }
   std::shared_ptr<EventHub> Hub() const { return hub_.lock(); }
@@ -42,16 +43,21 @@ class ExternalModuleHost : public std::enable_shared_from_this<ExternalModuleHos
   // Throws std::system_error when no thread can be had. Does nothing, and gives false, after Stop.
   bool Start();
 
-  // Queues an event, numbered by the hub, when a listener may want it. Called on the hub's thread,
-  // in order.
-  void Offer(const std::string& topic, const std::shared_ptr<Event>& event);
+  // In the place of a Start that could not be: tells the module why, on this thread, and lets it
+  // go.
+  void Abandon(SdkError error);
+
+  // Queues an event of so many bytes, numbered by the hub, when a listener may want it. Called on
+  // the hub's thread, in order.
+  void Offer(const std::string& topic, const std::shared_ptr<Event>& event, std::size_t bytes);
 
   // Adds a listener that hears events accepted from now on; one that is added while the module is
   // being registered hears those accepted since its registration. An empty topic stands for every
-  // event; for any other, the listener before is replaced, once it has heard what waits for it.
-  // False when the module is leaving.
-  bool AddListener(std::shared_ptr<ExternalModuleListenerInterface> listener,
-                   const std::string& topic);
+  // event; for any other, the listener before is replaced, once it has heard what waits for it, and
+  // until then both count. Left when the module is leaving.
+  enum class Addition { Added, Full, Left };
+  Addition AddListener(std::shared_ptr<ExternalModuleListenerInterface> listener,
+                       const std::string& topic);
 
   // Calls `done`, on this or on the module's thread, when OnRegister has returned; never when the
   // module was stopped before it was called.
@@ -100,16 +106,20 @@ class ExternalModuleHost : public std::enable_shared_from_this<ExternalModuleHos
   std::vector<ListenerPointer> ListenersFor(const Event& event);
   std::vector<ListenerPointer> TakeListeners();
   void Guard(const char* operation, const std::function<void()>& call);
+  void TellOfError(SdkError& error);
+  void LogFailure(const char* operation, const SdkError& error) const;
 
   std::shared_ptr<ExternalModuleInterface> module_;  // for the module's thread only
   const std::string name_;
   const std::weak_ptr<EventHub> hub_;
   const std::int64_t acceptedCount_;
+  const std::size_t mostListeners_;
   std::atomic<bool> isActive_{true};
   bool isTold_ = false;  // of its registration; for the module's thread only
 
   std::mutex mutex_;
   bool isRegistering_ = true;
+  std::size_t listenerCount_ = 0;  // those that wait to replace another one included
   std::unordered_map<std::string, ListenerPointer> listeners_;  // by topic
   std::vector<ListenerPointer> wildcardListeners_;
   std::vector<ListenerPointer> addedWhileRegistering_;

@@ -59,7 +59,15 @@ void ExternalModuleServices::AddListener(
     throw SdkError(ErrorCodes::kExternalModuleListenerWasNull, "there is no listener",
                    DebugInfo(kSourceLocation, __LINE__));
   }
-  if (!Registered(host_).host->AddListener(listener, topic)) ThrowNotRegistered(__LINE__);
+  switch (Registered(host_).host->AddListener(listener, topic)) {
+    case ExternalModuleHost::Addition::Added:
+      return;
+    case ExternalModuleHost::Addition::Full:
+      throw SdkError(ErrorCodes::kExternalModuleTooManyListeners,
+                     "the module has too many listeners", DebugInfo(kSourceLocation, __LINE__));
+    case ExternalModuleHost::Addition::Left:
+      ThrowNotRegistered(__LINE__);
+  }
 }
 
 void ExternalModuleServices::SetSharedEventState(const std::string& stateJson,

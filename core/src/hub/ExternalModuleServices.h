@@ -13,7 +13,8 @@ namespace Velmora {
 // hub is gone, every operation throws "external_module.not_registered", save UnregisterExtension,
 // which then does nothing.
 //
-// Further errors: "external_module.listener_was_null", "external_module.event_type_not_supported",
+// Further errors: "external_module.listener_was_null", "external_module.too_many_listeners" (see
+// EventHubLimits), "external_module.event_type_not_supported",
 // "external_module.event_source_not_supported" (see EventRules), and
 // "external_module.event_data_not_supported" for a state that is too long (see SharedStates).
 class ExternalModuleServices final : public Object, public virtual ExternalModuleServicesInterface {

@@ -34,8 +34,8 @@ class HubContext {
   // as long as one likes: once the hub is disposed it drops what it is given.
   virtual Poster WayHome() = 0;
 
-  // Publishes the module's state as JSON text, valid from `event` on. False, and the state before
-  // stays, when the text is too long.
+  // Publishes the module's state as JSON text, valid from `event` on, or without one from the event
+  // that is handled next. False, and the state before stays, when the text is too long.
   virtual bool SetSharedState(const std::string& json, const std::shared_ptr<Event>& event) = 0;
 
   // The state of a module as it stood at `event`, the same pointer as long as it is the same state;

@@ -22,6 +22,12 @@ namespace Velmora {
 // The queue whose thread this is; empty on every other thread.
 inline thread_local const void* serialQueueOfThisThread = nullptr;
 
+// How much may wait: so many items, and no further one once they come to so many bytes together.
+struct QueueRoom {
+  std::size_t items = 0;
+  std::size_t bytes = std::numeric_limits<std::int64_t>::max() / 4;
+};
+
 // A bounded queue with a thread of its own that handles the items one by one, in order.
 //
 // Every operation may be called on any thread, also on the queue's own. The destructor stops the
@@ -49,9 +55,9 @@ class SerialQueue {
   enum class Admission { Refusable, CountedWhenRefused, Reserved, Always };
 
   // `reserve` is room beyond `capacity` that only Reserved items may take.
-  explicit SerialQueue(std::size_t capacity, std::size_t reserve = 0)
-      : capacity_(static_cast<std::int64_t>(capacity)),
-        reserve_(static_cast<std::int64_t>(reserve)) {}
+  explicit SerialQueue(QueueRoom capacity, QueueRoom reserve = {0, 0})
+      : capacity_(capacity),
+        largest_{capacity.items + reserve.items, capacity.bytes + reserve.bytes} {}
 
   ~SerialQueue() {
     Stop();
@@ -82,25 +88,33 @@ class SerialQueue {
     return true;
   }
 
-  Outcome Push(Item item, Admission admission) {
+  // `bytes` is what the item counts for beside being one.
+  Outcome Push(Item item, Admission admission, std::size_t bytes = 0) {
     {
       const std::lock_guard<std::mutex> lock(mutex_);
       if (isStopped_) return Outcome::Stopped;
       if (admission != Admission::Always) {
-        const std::int64_t room = capacity_ + (admission == Admission::Reserved ? reserve_ : 0);
-        if (unclaimed_.load() >= room) {
+        if (!HasRoom(admission == Admission::Reserved ? largest_ : capacity_)) {
           if (admission != Admission::Refusable) ++refused_;
           return Outcome::Full;
         }
         ++unclaimed_;
+        unclaimedBytes_ += static_cast<std::int64_t>(bytes);
         accepted_.fetch_add(1);
       }
-      waiting_.push_back({std::move(item), admission != Admission::Always});
+      waiting_.push_back(
+          {std::move(item), static_cast<std::int64_t>(bytes), admission != Admission::Always});
       if (!isSleeping_) return Outcome::Accepted;
       isSleeping_ = false;
     }
     itemCame_.notify_one();
     return Outcome::Accepted;
+  }
+
+  // Counts one for `reportOverflow` that never came as far as this queue.
+  void CountRefused() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (!isStopped_) ++refused_;
   }
 
   // How many items were accepted so far, those that always get in left out.
@@ -151,6 +165,7 @@ class SerialQueue {
  private:
   struct Entry {
     Item item;
+    std::int64_t bytes;
     bool isCounted;
   };
 
@@ -175,14 +190,21 @@ class SerialQueue {
     if (handlers.end) handlers.end();
   }
 
+  bool HasRoom(const QueueRoom& room) const {
+    return unclaimed_.load() < static_cast<std::int64_t>(room.items) &&
+           unclaimedBytes_.load() < static_cast<std::int64_t>(room.bytes);
+  }
+
   // An item is either claimed here or counted as dropped by Stop, never both.
   bool Claim(const Entry& entry) {
-    return entry.isCounted ? unclaimed_.fetch_sub(1) > 0 : !isStopped_.load();
+    if (!entry.isCounted) return !isStopped_.load();
+    unclaimedBytes_.fetch_sub(entry.bytes);
+    return unclaimed_.fetch_sub(1) > 0;
   }
 
   bool TakeBatch(std::vector<Entry>& batch, const Handlers& handlers) {
     std::unique_lock<std::mutex> lock(mutex_);
-    if (unclaimed_.load() < capacity_) ReportRefused(lock, handlers);
+    if (HasRoom(capacity_)) ReportRefused(lock, handlers);
     while (waiting_.empty() && !isStopped_) {
       isBusy_ = false;
       isSleeping_ = true;
@@ -206,10 +228,11 @@ class SerialQueue {
     lock.lock();
   }
 
-  const std::int64_t capacity_;
-  const std::int64_t reserve_;
+  const QueueRoom capacity_;
+  const QueueRoom largest_;  // for Reserved items
   const std::shared_ptr<std::atomic<bool>> isDone_ = std::make_shared<std::atomic<bool>>(false);
   std::atomic<std::int64_t> unclaimed_{0};  // accepted and not begun; far below zero once stopped
+  std::atomic<std::int64_t> unclaimedBytes_{0};
   std::atomic<std::int64_t> accepted_{0};
   std::atomic<bool> isStopped_{false};
 

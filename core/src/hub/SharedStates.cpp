@@ -26,9 +26,9 @@ void SharedStates::DropOldest(Versions& versions) {
   }
 }
 
-void SharedStates::Clear(const std::string& owner) {
+bool SharedStates::Clear(const std::string& owner) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  versions_.erase(owner);
+  return versions_.erase(owner) > 0;
 }
 
 SharedStates::Text SharedStates::Get(const std::string& owner,

@@ -26,7 +26,8 @@ class SharedStates {
   // The empty text is a state that is pending. A text longer than kMaxBytes is refused: false.
   bool Set(const std::string& owner, Text text, std::int64_t number);
 
-  void Clear(const std::string& owner);
+  // False when the owner had none.
+  bool Clear(const std::string& owner);
 
   // The state as it stood at the event of that number, or the newest one without a number; the same
   // pointer as long as it is the same state. An empty pointer when the owner had none.

@@ -5,7 +5,6 @@
 
 #include "VelmoraCore/EventNames.h"
 #include "VelmoraCore/Log.h"
-#include "VelmoraCore/StringUtils.h"
 #include "modules/JsonText.h"
 #include "modules/PrivacyStatus.h"
 
@@ -14,7 +13,7 @@ namespace {
 
 constexpr const char* kLogTag = "Analytics";
 
-constexpr const char* kServerKey = "analytics.server";
+constexpr const char* kCollectorKey = "analytics.collector";
 constexpr const char* kTimeoutKey = "analytics.timeout";
 constexpr const char* kMaxHitsKey = "analytics.maxHits";
 constexpr const char* kMaxAgeKey = "analytics.maxAge";
@@ -34,6 +33,11 @@ std::shared_ptr<Variant> ToVariant(std::size_t count) {
   return Variant::FromLong(static_cast<long long>(count));
 }
 
+bool IsHttps(const PlatformServicesInterface& services, const std::string& url) {
+  const std::shared_ptr<URLServiceInterface> urls = services.GetURLService();
+  return urls != nullptr && urls->GetScheme(url) == "https" && !urls->GetHost(url).empty();
+}
+
 }  // namespace
 
 AnalyticsModule::AnalyticsModule()
@@ -50,12 +54,7 @@ void AnalyticsModule::Attach(HubContext& hub) {
              [this](const EventPointer& event) { OnRequest(event); });
   hub.Listen(EventTypes::kAnalytics, EventSources::kQuery,
              [this](const EventPointer& event) { OnQuery(event); });
-  // The configuration module has been asked before this one, so that no hit is sent any more once
-  // an opt-out has been handled.
-  hub.Listen(EventTypes::kConfiguration, EventSources::kRequest,
-             [this](const EventPointer&) { FollowConfiguration(); });
-  hub.Listen(EventTypes::kHub, EventSources::kSharedState,
-             [this](const EventPointer&) { FollowConfiguration(); });
+  ListenForConfiguration(hub, [this](const EventPointer&) { FollowConfiguration(); });
 }
 
 void AnalyticsModule::End() {
@@ -129,8 +128,7 @@ void AnalyticsModule::OnQuery(const EventPointer& event) {
 
 void AnalyticsModule::FollowConfiguration() {
   if (!configuration_.Refresh(*hub_)) return;
-  const std::shared_ptr<Variant> status = configuration_.Value(EventKeys::kPrivacyStatus);
-  FollowStatus(status == nullptr ? std::nullopt : std::optional(PrivacyStatusOf(status)));
+  FollowStatus(PrivacyStatusIn(configuration_));
   const HitQueue::Limits defaults;
   queue_->SetLimits({static_cast<std::size_t>(configuration_.Number(
                          kMaxHitsKey, static_cast<std::int64_t>(defaults.count), kMaxHitsRange)),
@@ -151,12 +149,12 @@ void AnalyticsModule::FollowStatus(std::optional<MobilePrivacyStatus> status) {
 
 // Where hits may go now.
 std::optional<HitSender::Collector> AnalyticsModule::FindCollector() {
-  const std::string url = configuration_.Text(kServerKey).value_or("");
+  const std::string url = configuration_.Text(kCollectorKey).value_or("");
   const auto timeout = configuration_.Number(kTimeoutKey, kDefaultTimeout, kTimeoutRange);
   if (url.empty() || status_ != MobilePrivacyStatus::OptedIn) return std::nullopt;
-  if (!StringUtils::StringIsUrl(url) || !url.starts_with("https://")) {
+  if (!IsHttps(hub_->Services(), url)) {
     if (std::exchange(unusableUrl_, url) != url) {
-      Log::Warning(kLogTag, "hits wait: \"%s\" of the configuration is no https URL", kServerKey);
+      Log::Warning(kLogTag, "hits wait: \"%s\" of the configuration is no https URL", kCollectorKey);
     }
     return std::nullopt;
   }

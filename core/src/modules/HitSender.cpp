@@ -34,13 +34,17 @@ bool IsRefusedForGood(std::int32_t status) {
 }  // namespace
 
 HitSender::HitSender(HubContext& hub, HitQueue& queue, std::function<void()> onProgress)
-    : hub_(hub), queue_(queue), onProgress_(std::move(onProgress)), wayHome_(hub.WayHome()) {}
+    : hub_(hub),
+      queue_(queue),
+      onProgress_(std::move(onProgress)),
+      wayHome_(hub.WayHome()),
+      delay_(kFirstDelay, kLongestDelay) {}
 
 void HitSender::SetCollector(std::optional<Collector> collector) {
   if (collector_ == collector) return;
   collector_ = std::move(collector);
   EndWait();
-  failures_ = 0;
+  delay_.Reset();
   Wake();
 }
 
@@ -106,30 +110,22 @@ void HitSender::OnAnswer(const HitQueue::Place& place, const Answer& answer) {
 
 void HitSender::OnDone(const HitQueue::Place& place) {
   EndWait();
-  failures_ = 0;
+  delay_.Reset();
   queue_.Remove(place);
   onProgress_();
   Wake();
 }
 
 void HitSender::OnFailure(const Answer& answer) {
-  const std::chrono::milliseconds delay = RetryDelay(answer);
-  ++failures_;
+  const std::chrono::milliseconds asked =
+      ParseRetryAfter(answer.retryAfter, hub_.GetClock().Now()).value_or(std::chrono::seconds(0));
+  const std::chrono::milliseconds delay = std::max(delay_.Next(), asked);
   Log::Debug(kLogTag, "a hit was not taken (status %d); the next attempt comes in %lld ms",
              static_cast<int>(answer.status), static_cast<long long>(delay.count()));
   BeginWait(delay, [this] {
     EndWait();
     Wake();
   });
-}
-
-std::chrono::milliseconds HitSender::RetryDelay(const Answer& answer) const {
-  constexpr int kMostDoublings = 20;
-  const std::chrono::milliseconds own =
-      std::min(kFirstDelay * (1 << std::min(failures_, kMostDoublings)), kLongestDelay);
-  const std::chrono::milliseconds asked =
-      ParseRetryAfter(answer.retryAfter, hub_.GetClock().Now()).value_or(std::chrono::seconds(0));
-  return std::max(own, asked);
 }
 
 }  // namespace Velmora

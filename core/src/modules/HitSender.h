@@ -10,6 +10,7 @@
 #include "base/Clock.h"
 #include "hub/HubModule.h"
 #include "modules/HitQueue.h"
+#include "modules/RetryDelay.h"
 
 namespace Velmora {
 
@@ -56,7 +57,6 @@ class HitSender {
   void OnAnswer(const HitQueue::Place& place, const Answer& answer);
   void OnDone(const HitQueue::Place& place);
   void OnFailure(const Answer& answer);
-  std::chrono::milliseconds RetryDelay(const Answer& answer) const;
 
   HubContext& hub_;
   HitQueue& queue_;
@@ -67,7 +67,7 @@ class HitSender {
   std::uint64_t work_ = 0;  // the newest request or wait; what belongs to an older one is ignored
   bool isBusy_ = false;     // with a request or a wait
   std::optional<Clock::Ticket> ticket_;
-  int failures_ = 0;  // in a row
+  RetryDelay delay_;
   Counts counts_;
 };
 

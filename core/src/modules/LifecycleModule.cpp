@@ -13,8 +13,15 @@ namespace Velmora {
 namespace {
 
 constexpr const char* kLogTag = "Lifecycle";
+constexpr const char* kStoreName = "KorvoMobile_Lifecycle";
+constexpr const char* kLaunchAction = "lifecycle";
+constexpr const char* kTimeoutKey = "lifecycle.sessionTimeout";
+constexpr std::int64_t kDefaultTimeout = 300;
+constexpr StateReader::Range kTimeoutRange{0, 7 * 24 * 3600};
 
 }  // namespace
+
+LifecycleModule::LifecycleModule() : configuration_(EventTypes::kConfiguration, kLogTag) {}
 
 std::string LifecycleModule::GetName() const { return EventTypes::kLifecycle; }
 
@@ -37,14 +44,44 @@ void LifecycleModule::OnRequest(const EventPointer& event) {
 }
 
 void LifecycleModule::OnStart(const EventPointer& event) {
+  VariantMap launch;
   if (std::exchange(isStarted_, true)) {
     Log::Debug(kLogTag, "started while running; only the context data are renewed");
+  } else {
+    launch = BeginOrResume();
   }
+  const bool isLaunch = !launch.empty();
   VariantMap context = ValueReader(*event).Map(EventKeys::kContextData).value_or(VariantMap());
+  context.merge(std::move(launch));
+  context.merge(record_->Facts(Now()));
   context.merge(DeviceContext());
+  const std::shared_ptr<Variant> contextData = Variant::FromVariantMap(std::move(context));
   Tell({{EventKeys::kPhase, Variant::FromString(Phases::kStart)},
-        {EventKeys::kContextData, Variant::FromVariantMap(std::move(context))}},
+        {EventKeys::kContextData, contextData}},
        event);
+  if (!isLaunch) return;
+  EventData data;
+  data.PutString(EventKeys::kAction, kLaunchAction);
+  data.Put(EventKeys::kContextData, contextData);
+  hub_->Dispatch(std::make_shared<Event>("track launch", EventTypes::kAnalytics,
+                                         EventSources::kRequest,
+                                         std::make_shared<EventData>(std::move(data))));
+}
+
+// What a launch has to tell; nothing when the last session goes on.
+VariantMap LifecycleModule::BeginOrResume() {
+  LoadRecord();
+  const std::shared_ptr<SystemInfoServiceInterface> info = hub_->Services().GetSystemInfoService();
+  const std::string version = info == nullptr ? "" : info->GetApplicationVersionCode();
+  const std::int64_t now = Now();
+  VariantMap launch;
+  if (record_->IsWithinSession(now, SessionTimeout(), version)) {
+    record_->Resume(now);
+  } else {
+    launch = record_->Launch(now, version);
+  }
+  SaveRecord();
+  return launch;
 }
 
 void LifecycleModule::OnPause(const EventPointer& event) {
@@ -52,7 +89,37 @@ void LifecycleModule::OnPause(const EventPointer& event) {
     Log::Debug(kLogTag, "paused without having been started");
     return;
   }
+  record_->Pause(Now());
+  SaveRecord();
   Tell({{EventKeys::kPhase, Variant::FromString(Phases::kPause)}}, event);
+}
+
+void LifecycleModule::LoadRecord() {
+  if (record_.has_value()) return;
+  record_.emplace();
+  const std::shared_ptr<LocalStorageServiceInterface> storage =
+      hub_->Services().GetLocalStorageService();
+  if (storage == nullptr) {
+    Log::Warning(kLogTag, "there is no data store; sessions will not be remembered");
+  } else {
+    record_ = LifecycleRecord::Load(*storage->GetDataStore(kStoreName));
+  }
+}
+
+void LifecycleModule::SaveRecord() const {
+  const std::shared_ptr<LocalStorageServiceInterface> storage =
+      hub_->Services().GetLocalStorageService();
+  if (storage != nullptr) record_->Save(*storage->GetDataStore(kStoreName));
+}
+
+std::int64_t LifecycleModule::Now() const {
+  return std::chrono::duration_cast<std::chrono::seconds>(hub_->GetClock().Now().time_since_epoch())
+      .count();
+}
+
+std::chrono::seconds LifecycleModule::SessionTimeout() {
+  configuration_.Refresh(*hub_);
+  return std::chrono::seconds(configuration_.Number(kTimeoutKey, kDefaultTimeout, kTimeoutRange));
 }
 
 void LifecycleModule::Tell(const VariantMap& state, const EventPointer& event) {

@@ -1,5 +1,7 @@
 #include "modules/PrivacyStatus.h"
 
+#include "VelmoraCore/EventNames.h"
+
 namespace Velmora {
 
 MobilePrivacyStatus PrivacyStatusOf(std::int64_t number) {
@@ -15,6 +17,11 @@ MobilePrivacyStatus PrivacyStatusOf(std::int64_t number) {
 MobilePrivacyStatus PrivacyStatusOf(const std::shared_ptr<Variant>& value) {
   const bool isNumber = value != nullptr && value->IsNumericKind();
   return isNumber ? PrivacyStatusOf(value->GetLong()) : MobilePrivacyStatus::Unknown;
+}
+
+std::optional<MobilePrivacyStatus> PrivacyStatusIn(const StateReader& configuration) {
+  const std::shared_ptr<Variant> status = configuration.Value(EventKeys::kPrivacyStatus);
+  return status == nullptr ? std::nullopt : std::optional(PrivacyStatusOf(status));
 }
 
 std::shared_ptr<Variant> ToVariant(MobilePrivacyStatus status) {

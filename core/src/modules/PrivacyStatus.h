@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "VelmoraCore/MobilePrivacyStatus.h"
 #include "VelmoraCore/Variant.h"
+#include "modules/StateReader.h"
 
 namespace Velmora {
 
@@ -13,6 +15,9 @@ MobilePrivacyStatus PrivacyStatusOf(std::int64_t number);
 
 // The same for a value; Unknown for none and for one that is no number.
 MobilePrivacyStatus PrivacyStatusOf(const std::shared_ptr<Variant>& value);
+
+// That of a configuration; nothing while there is none that can be read.
+std::optional<MobilePrivacyStatus> PrivacyStatusIn(const StateReader& configuration);
 
 std::shared_ptr<Variant> ToVariant(MobilePrivacyStatus status);
 

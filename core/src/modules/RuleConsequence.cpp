@@ -60,7 +60,10 @@ AlertConsequence ReadAlert(MemberReader& reader) {
 }
 
 MessageConsequence ReadMessage(MemberReader& reader) {
-  MessageConsequence message{.html = Text(reader, "html", Need::Required)};
+  MessageConsequence message{.html = Text(reader, "html"), .base64 = Text(reader, "base64")};
+  if (message.html.empty() == message.base64.empty()) {
+    reader.Complain(R"(it needs either "html" or "base64")");
+  }
   if (!message.html.empty() && !IsPlainFileName(message.html)) {
     reader.Complain(R"("html" is not the plain name of a file)");
   }

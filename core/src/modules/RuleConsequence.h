@@ -19,8 +19,10 @@ struct AlertConsequence {
   std::string url;  // opened by the positive button
 };
 
+// One of the two.
 struct MessageConsequence {
-  std::string html;  // the name of a file beside the rules
+  std::string html;    // the name of a file beside the rules
+  std::string base64;  // the HTML itself
 };
 
 struct NotificationConsequence {

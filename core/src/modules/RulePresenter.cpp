@@ -41,9 +41,7 @@ void RulePresenter::Show(const Rule& rule, const RuleConsequence& consequence,
   const RuleReport report(hub_, rule.id, NameOf(consequence));
   std::visit(Overloaded{
                  [&](const AlertConsequence& alert) { ShowAlert(alert, report); },
-                 [&](const MessageConsequence& message) {
-                   ShowMessage(folder + '/' + message.html, report);
-                 },
+                 [&](const MessageConsequence& message) { ShowMessage(message, folder, report); },
                  [&](const NotificationConsequence& notification) {
                    ShowNotification(notification, rule.id);
                  },
@@ -58,18 +56,35 @@ void RulePresenter::ShowAlert(const AlertConsequence& alert, const RuleReport& r
                  std::make_shared<RuleAlertListener>(report, ui_, alert.url));
 }
 
-void RulePresenter::ShowMessage(const std::string& path, const RuleReport& report) {
-  constexpr std::int64_t kMaxBytes = 4 * 1024 * 1024;
+void RulePresenter::ShowMessage(const MessageConsequence& message, const std::string& folder,
+                                const RuleReport& report) {
   const std::shared_ptr<URLServiceInterface> urls = hub_.Services().GetURLService();
   std::string problem;
-  const std::optional<std::string> html =
-      TextFile::Read(*hub_.Services().GetFileSystemService(), path, kMaxBytes, problem);
+  const std::optional<std::string> html = HtmlOf(message, folder, problem);
   if (!html || urls == nullptr) {
-    Log::Error(kLogTag, "the message \"%s\" cannot be shown: %s", path.c_str(),
+    Log::Error(kLogTag, "a message cannot be shown: %s",
                html ? "there is no URL service" : problem.c_str());
     return;
   }
   ui_->CreateFullscreenMessage(*html, std::make_shared<RuleMessageListener>(report, urls))->Show();
+}
+
+std::optional<std::string> RulePresenter::HtmlOf(const MessageConsequence& message,
+                                                 const std::string& folder,
+                                                 std::string& problem) const {
+  if (!message.base64.empty()) {
+    const std::shared_ptr<EncodingServiceInterface> encoding = hub_.Services().GetEncodingService();
+    std::string html = encoding == nullptr ? "" : encoding->Base64Decode(message.base64);
+    if (!html.empty()) return html;
+    problem = encoding == nullptr ? "there is no encoding service" : "it is no text in base64";
+    return std::nullopt;
+  }
+  constexpr std::int64_t kMaxBytes = 4 * 1024 * 1024;
+  const std::string path = folder + '/' + message.html;
+  std::optional<std::string> html =
+      TextFile::Read(*hub_.Services().GetFileSystemService(), path, kMaxBytes, problem);
+  if (!html) problem = "\"" + path + "\" cannot be read: " + problem;
+  return html;
 }
 
 void RulePresenter::ShowNotification(const NotificationConsequence& notification,

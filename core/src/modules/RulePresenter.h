@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "hub/HubModule.h"
@@ -28,7 +29,10 @@ class RulePresenter {
 
  private:
   void ShowAlert(const AlertConsequence& alert, const RuleReport& report);
-  void ShowMessage(const std::string& path, const RuleReport& report);
+  void ShowMessage(const MessageConsequence& message, const std::string& folder,
+                   const RuleReport& report);
+  std::optional<std::string> HtmlOf(const MessageConsequence& message, const std::string& folder,
+                                    std::string& problem) const;
   void ShowNotification(const NotificationConsequence& notification, const std::string& rule);
   void ShowButton(const ButtonConsequence& button, const RuleReport& report);
   void Open(const std::string& url);

@@ -28,7 +28,7 @@ bool IsName(const std::string& folder) {
 // The file that a consequence shows; an empty pointer when it shows none.
 const std::string* FileOf(const RuleConsequence& consequence) {
   const auto* message = std::get_if<MessageConsequence>(&consequence);
-  return message == nullptr ? nullptr : &message->html;
+  return message == nullptr || message->html.empty() ? nullptr : &message->html;
 }
 
 // The name of a file that the rule needs and that is not there; empty when there is none.

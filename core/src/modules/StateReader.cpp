@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "VelmoraCore/EventNames.h"
 #include "VelmoraCore/Log.h"
 #include "modules/JsonText.h"
 
@@ -37,6 +38,11 @@ std::int64_t StateReader::Number(const std::string& key, std::int64_t fallback, 
   Log::Warning(logTag_, "the member \"%s\" of the %s is no number and is ignored", key.c_str(),
                owner_);
   return fallback;
+}
+
+void ListenForConfiguration(HubContext& hub, const HubContext::Handler& follow) {
+  hub.Listen(EventTypes::kConfiguration, EventSources::kRequest, follow);
+  hub.Listen(EventTypes::kHub, EventSources::kSharedState, follow);
 }
 
 }  // namespace Velmora

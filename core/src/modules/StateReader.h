@@ -47,4 +47,9 @@ class StateReader {
   std::optional<VariantMap> members_;
 };
 
+// Has `follow` called whenever the configuration may have changed: right after the configuration
+// module has handled a request, which an opt-out may be, and whenever a state was shared. To be
+// called in HubModule::Attach by modules that come after that one.
+void ListenForConfiguration(HubContext& hub, const HubContext::Handler& follow);
+
 }  // namespace Velmora

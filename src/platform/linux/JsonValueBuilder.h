@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -14,16 +15,16 @@ class JsonValueBuilder : public JsonVisitor {
   // The finished value; absent before the end was heard.
   Value Take();
 
-  void BeginObject() override;
-  void EndObject() override;
-  void BeginArray() override;
-  void EndArray() override;
-  void Key(std::string_view key) override;
-  void String(std::string_view text) override;
-  void Integer(std::int64_t number) override;
-  void Double(double number) override;
-  void Boolean(bool value) override;
-  void Null() override;
+  void BeginObject() override { Begin(Value::Dictionary()); }
+  void EndObject() override { End(); }
+  void BeginArray() override { Begin(Value::Array()); }
+  void EndArray() override { End(); }
+  void Key(std::string_view key) override { levels_.back().key = Value(key); }
+  void String(std::string_view text) override { Add(Value(text)); }
+  void Integer(std::int64_t number) override { Add(Value(number)); }
+  void Double(double number) override { Add(Value(number)); }
+  void Boolean(bool value) override { Add(Value(value)); }
+  void Null() override { Add(Value::Null()); }
 
  private:
   // A container that has not ended, and the key that waits for its value.
@@ -32,8 +33,9 @@ class JsonValueBuilder : public JsonVisitor {
     Value key;
   };
 
-  void Add(Value value);
+  void Begin(Value container);
   void End();
+  void Add(Value value);
 
   std::vector<Level> levels_;
   Value root_;

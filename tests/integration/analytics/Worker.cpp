@@ -68,7 +68,7 @@ class Scribe final : public Velmora::Object,
 
 void Configure(const std::string& url) {
   QEXCore::setPrivacyStatus(QEXMobilePrivacyStatus::optedIn);
-  QEXCore::updateConfiguration({{"analytics.server", url}, {"analytics.timeout", 1}});
+  QEXCore::updateConfiguration({{"analytics.collector", url}, {"analytics.timeout", 1}});
 }
 
 void Pause() {

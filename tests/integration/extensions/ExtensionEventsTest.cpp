@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "ExtensionsFixture.h"
+#include "unit/bridge/PublicOperations.h"
 #include "unit/core/hub/Gate.h"
 
 namespace {
@@ -189,6 +190,43 @@ TEST_F(ExtensionEventsTest, EveryOperationMayBeCalledFromInsideAListener) {
   EXPECT_THAT(Listener::heard.Get(), ElementsAre("go", "again"));
   Settle();
   EXPECT_THAT(OtherExtension::calls.Get(), Contains("init"));
+}
+
+TEST_F(ExtensionEventsTest, EveryOperationOfTheFacadeMayBeCalledFromInsideAListener) {
+  OtherExtension::Reset({.name = "test.inner"});
+  Guarded<std::vector<std::string>> answers;
+  Listener::Reset([&answers](auto&, const ExtensionEvent& event) {
+    if (event->eventName() == "go") {
+      for (const auto& operation : TestSupport::PublicOperations()) operation.call();
+      EXPECT_TRUE(QEXCore::dispatchEvent(NewEvent("heard later"), nullptr));
+      EXPECT_TRUE(QEXCore::dispatchEventWithResponseCallback(
+          NewEvent("question"),
+          [&answers](const ExtensionEvent& answer) {
+            answers.With([&](auto& all) { all.push_back(*answer->eventName()); });
+          },
+          nullptr));
+      EXPECT_EQ(Register<OtherExtension>(), -1);
+    } else if (event->eventName() == "question") {
+      EXPECT_TRUE(
+          QEXCore::dispatchResponseEvent(NewEvent("answer", {}, "other.type"), event, nullptr));
+    }
+  });
+  RegisterListening<0>("test.listening");
+  // What the operations lead to, none of which is there.
+  for (const char* tag :
+       {"Analytics", "Configuration", "Core", "Identity", "Lifecycle", "NativeNetworkService",
+        "Rules", "RemoteFileManager: ", "SystemInfoService"}) {
+    for (const LogLevel level : {LogLevel::Debug, LogLevel::Warning, LogLevel::Error}) {
+      log.AllowLines(level, tag, testing::_);
+    }
+  }
+  EXPECT_TRUE(Dispatch("go"));
+  EXPECT_TRUE(WaitUntil([&] { return answers.Get().size() == 1; }));
+  Settle();
+  EXPECT_THAT(Listener::heard.Get(), ElementsAre("go", "heard later", "question"));
+  EXPECT_THAT(answers.Get(), ElementsAre("answer"));
+  EXPECT_THAT(OtherExtension::calls.Get(), Contains("init"));
+  EXPECT_EQ(QEXCore::extensionVersion(), "1.0.0");
 }
 
 TEST_F(ExtensionEventsTest, AListenerMayUnregisterItsExtension) {

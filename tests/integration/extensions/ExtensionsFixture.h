@@ -49,6 +49,9 @@ class ExtensionsFixture : public testing::Test {
     Forget();
     EXPECT_EQ(liveExtensions, 0);
     EXPECT_EQ(liveListeners, 0);
+    EXPECT_EQ(watchedApis.CountLive(), 0U);
+    EXPECT_EQ(watchedEvents.CountLive(), 0U);
+    EXPECT_EQ(watchedCoreEvents.CountLive(), 0U);
   }
 
   static ExtensionEvent NewEvent(const std::string& name, const Platform::Value& data = {},
@@ -105,7 +108,10 @@ class ExtensionsFixture : public testing::Test {
   }
 
   static bool WaitForNothingLeft() {
-    return WaitUntil([] { return liveExtensions == 0 && liveListeners == 0; });
+    return WaitUntil([] {
+      return liveExtensions == 0 && liveListeners == 0 && watchedEvents.CountLive() == 0 &&
+             watchedCoreEvents.CountLive() == 0;
+    });
   }
 
   FakeHost host;

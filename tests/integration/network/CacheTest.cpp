@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 
 #include "NetworkFixture.h"
+#include "support/FileSizeLimit.h"
 #include "support/Guarded.h"
 
 namespace {
@@ -90,6 +91,35 @@ TEST_F(CacheTest, KeepsTheFormerFileWhenTheTransferBreaks) {
   log.WaitForLine(LogLevel::Debug, "NativeNetworkService",
                   HasSubstr("Nothing came of the request"));
   EXPECT_EQ(ReadFileBytes(path), "first");
+}
+
+TEST_F(CacheTest, LeavesNoPartOfAFileWhereTheDiskIsFull) {
+  const TrustedServer server([](const WireRequest&, WireConnection& connection) {
+    connection.Respond(200, std::string(200'000, 'b'), kTagged);
+  });
+  {
+    const TestSupport::FileSizeLimit full(100'000);
+    log.ExpectLine(LogLevel::Error, "RemoteFileManager: ",
+                   HasSubstr("Unable to write file to cache (Cannot write the file"));
+    EXPECT_EQ(Download(server.Url("/file")), "");
+  }
+  EXPECT_THAT(Cached(), testing::IsEmpty());
+  EXPECT_EQ(ReadFileBytes(Download(server.Url("/file"))).size(), 200'000U);
+}
+
+// Not even the superuser may make a folder there.
+TEST_F(CacheTest, StoresNothingWhereNothingCanBeWritten) {
+  host.fileManager->SetCachesDirectory("/proc/self/caches");
+  const auto elsewhere = Velmora::CreateNativeRemoteFileManagerService(
+      network, Velmora::CreateNativeFileSystemService(), systemInfo);
+  const TrustedServer server([](const WireRequest&, WireConnection& connection) {
+    connection.Respond(200, "body", kTagged);
+  });
+  log.ExpectLine(LogLevel::Error, "RemoteFileManager: ",
+                 HasSubstr("Unable to create directory (Cannot create the directory"));
+  const auto result = elsewhere->GetFileSync(server.Url("/file"), "");
+  ASSERT_TRUE(result);
+  EXPECT_EQ(result.GetValue()->ReadJsonStringFromFile(), "");
 }
 
 TEST_F(CacheTest, ServesManyDownloadsAtOnce) {

@@ -98,8 +98,10 @@ TEST_F(ExternalModuleInterfaceWrapperTest, NothingIsLeftWhenOnUnregisterThrows) 
   MakeModule({.onUnregister = [](QEXExtension&) { throw std::runtime_error("a bug"); }});
   module->OnRegister(services);
   EXPECT_THROW(module->OnUnregister(), std::runtime_error);
-  module = nullptr;
   EXPECT_EQ(TestSupport::liveExtensions, 0);
+  Velmora::SdkError error = ErrorOf("std.exception");
+  module->OnUnexpectedError(error);
+  EXPECT_EQ(Extension::calls.Get().back(), "unregister") << "nothing follows the last call";
 }
 
 TEST_F(ExternalModuleInterfaceWrapperTest, AnExtensionThatInitialisesToNothingLeaves) {

@@ -2,19 +2,14 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
-#include <cstddef>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <thread>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <linux/filter.h>
-#include <linux/seccomp.h>
-#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -22,6 +17,7 @@
 
 #include "platform/linux/LinuxFileManager.h"
 #include "support/ForkedProcess.h"
+#include "support/RefusedSystemCalls.h"
 #include "support/ScopedEnvironment.h"
 #include "support/TemporaryDirectory.h"
 #include "support/WaitUntil.h"
@@ -213,25 +209,13 @@ TEST(LinuxFileManager, HidesWhatItOpensForOneOperationFromChildProcesses) {
   }
 }
 
-// From now on, no file can be linked, as on file systems that know no links.
-bool ForbidLinks() {
-  sock_filter deny[] = {
-      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_linkat, 0, 1),
-      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
-      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
-  };
-  const sock_fprog program{static_cast<unsigned short>(std::size(deny)), deny};
-  return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
-         ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
-}
-
 TEST(LinuxFileManager, WritesWhereAFileWithoutANameCannotBeGivenOne) {
   const TestSupport::TemporaryDirectory folder;
   ::chmod(folder.Path().c_str(), 0777);
   const std::string path = folder.PathOf("file");
   EXPECT_TRUE(AsStranger([&] {
-    return ForbidLinks() && LinuxFileManager().WriteFile(path, "first", nullptr) &&
+    return TestSupport::RefuseSystemCalls({SYS_linkat}, EPERM) &&
+           LinuxFileManager().WriteFile(path, "first", nullptr) &&
            LinuxFileManager().WriteFile(path, "second", nullptr);
   }));
   EXPECT_EQ(TestSupport::ReadFileBytes(path), "second");

@@ -17,7 +17,7 @@
 #include "support/Guarded.h"
 #include "support/LogCapture.h"
 #include "support/WaitUntil.h"
-#include "unit/core/base/StubSystemInfoService.h"
+#include "unit/core/base/FakeSystemInfoService.h"
 
 namespace Velmora {
 namespace {
@@ -80,7 +80,7 @@ TEST(TaskExecutor, HasOneThreadAtLeast) {
 TEST(TaskExecutor, NamesEveryThreadBeforeItRunsATask) {
   const LogCapture log;
   Guarded<std::vector<std::string>> names;
-  const auto systemInfo = std::make_shared<StubSystemInfoService>([&](const std::string& name) {
+  const auto systemInfo = std::make_shared<FakeSystemInfoService>([&](const std::string& name) {
     names.With([&name](std::vector<std::string>& all) { all.push_back(name); });
   });
   {
@@ -105,7 +105,7 @@ TEST(TaskExecutor, RunsTasksThoughTheNamingFails) {
                  "A task of unnamed failed: std.exception: no names today");
   std::atomic<bool> ran{false};
   {
-    TaskExecutor executor(1, "unnamed", std::make_shared<StubSystemInfoService>([](const auto&) {
+    TaskExecutor executor(1, "unnamed", std::make_shared<FakeSystemInfoService>([](const auto&) {
                             throw std::runtime_error("no names today");
                           }));
     executor.Execute([&ran] { ran = true; });

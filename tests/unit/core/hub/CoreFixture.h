@@ -16,8 +16,10 @@
 #include "services/filesystem/NativeFileSystemService.h"
 #include "services/json/NativeJsonUtilityService.h"
 #include "services/network/NativeNetworkService.h"
+#include "services/network/NativeRemoteFileManagerService.h"
 #include "services/system/NativeCryptoService.h"
 #include "services/system/NativeSystemInfoService.h"
+#include "services/system/NativeUrlService.h"
 #include "support/FakeHost.h"
 #include "support/FakePlatformServices.h"
 #include "support/LogCapture.h"
@@ -41,6 +43,9 @@ class CoreFixture : public testing::Test {
     services->systemInfo = Velmora::CreateNativeSystemInfoService();
     services->database = Velmora::CreateNativeDatabaseService(services->systemInfo);
     services->network = Velmora::CreateNativeNetworkService(services->systemInfo);
+    services->remoteFileManager = Velmora::CreateNativeRemoteFileManagerService(
+        services->network, services->fileSystem, services->systemInfo);
+    services->url = Velmora::CreateNativeUrlService();
     services->logging = log.LoggingService();
     host.bundle->SetInfo("CFBundleName", "Sample");
   }

@@ -49,6 +49,7 @@ TEST_F(CoreRequestsTest, CreateWorksWithoutAnyService) {
   const auto none = std::make_shared<TestSupport::FakePlatformServices>();
   log.ExpectLine(LogLevel::Warning, "Core", "the platform has no logging service");
   log.ExpectLine(LogLevel::Warning, "Configuration", testing::HasSubstr("no data store"));
+  log.ExpectLine(LogLevel::Warning, "Identity", testing::HasSubstr("no data store"));
   log.AllowLines(LogLevel::Error, "Configuration", testing::HasSubstr("no JSON service"));
   core = Core::Create(none, nullptr);
   core->SetPrivacyStatus(MobilePrivacyStatus::OptedOut);
@@ -92,7 +93,7 @@ class BlockingModule final : public Velmora::HubModule {
 TEST_F(CoreRequestsTest, AFloodOfEventsAndReportsDropsNoOptOut) {
   constexpr int kFlood = 100;
   Velmora::EventHubLimits limits;
-  limits.events = 50;
+  limits.events.items = 50;
   const auto hub = Velmora::EventHub::Create(services, limits);
   const auto gate = std::make_shared<Gate>();
   hub->AddModule(std::make_unique<BlockingModule>(gate));
@@ -117,7 +118,7 @@ TEST_F(CoreRequestsTest, AFloodOfEventsAndReportsDropsNoOptOut) {
 
 TEST_F(CoreRequestsTest, ConfigureWithAppId) {
   StartCore();
-  AllowDebug("Configuration");
+  log.AllowLines(LogLevel::Warning, "Configuration", testing::HasSubstr("VelmoraConfigurationUrl"));
   core->ConfigureWithAppId("app 7");
   ExpectRequest(EventTypes::kConfiguration, EventSources::kRequest, "configure with app id",
                 "{appId:\"app 7\"}");
@@ -200,14 +201,14 @@ TEST_F(CoreRequestsTest, TrackCopiesItsData) {
 
 TEST_F(CoreRequestsTest, DownloadRules) {
   StartCore();
-  log.ExpectLine(LogLevel::Error, "Rules", "no rules can be had: there is no crypto service");
+  log.ExpectLine(LogLevel::Error, "Rules", "no rules can be had: there is no compressed file service");
   core->DownloadRules();
   ExpectRequest(EventTypes::kRules, EventSources::kRequest, "download rules", "{}");
 }
 
 TEST_F(CoreRequestsTest, StartCallsBackAfterAllThatWasAskedForBefore) {
   StartCore();
-  AllowDebug("Configuration");
+  log.AllowLines(LogLevel::Warning, "Configuration", testing::HasSubstr("VelmoraConfigurationUrl"));
   CallLog calls;
   const auto module = std::make_shared<RecordingModule>("module");
   module->onRegister = [&](const ModuleServices&) { Add(calls, "registered"); };

@@ -89,7 +89,7 @@ TEST_F(EventHubResponsesTest, RequestsThatAreNeverAnsweredDoNotPileUp) {
 
 TEST_F(EventHubResponsesTest, ARefusedRequestIsNotWaitedFor) {
   Velmora::EventHubLimits limits;
-  limits.events = 1;
+  limits.events.items = 1;
   hub = Velmora::EventHub::Create(services, limits);
   const EventPointer accepted = Ask("accepted");
   const EventPointer refused = NewEvent("refused");

@@ -138,8 +138,8 @@ TEST_F(EventHubTest, HandlesEventsDispatchedBeforeItStarts) {
 
 TEST_F(EventHubTest, RefusesEventsBeyondItsLimitAndCountsItsOwn) {
   Velmora::EventHubLimits limits;
-  limits.events = 3;
-  limits.requests = 0;
+  limits.events.items = 3;
+  limits.requests.items = 0;
   hub = EventHub::Create(services, limits);
   const auto listener = std::make_shared<RecordingListener>();
   RegisterWith("listening", listener);
@@ -158,8 +158,8 @@ TEST_F(EventHubTest, RefusesEventsBeyondItsLimitAndCountsItsOwn) {
 
 TEST_F(EventHubTest, AFloodLeavesRoomForTheCoresOwnRequests) {
   Velmora::EventHubLimits limits;
-  limits.events = 3;
-  limits.requests = 2;
+  limits.events.items = 3;
+  limits.requests.items = 2;
   hub = EventHub::Create(services, limits);
   const auto listener = std::make_shared<RecordingListener>();
   RegisterWith("listening", listener);
@@ -293,9 +293,28 @@ TEST_F(EventHubTest, GivesModulesTheSystemsClockWhichStopsWithTheHub) {
   EXPECT_FALSE(isCalled);
 }
 
+TEST_F(EventHubTest, OrdersAModulesStatesByWhatItHasHandledNotByWhatWaits) {
+  class StatefulModule final : public Velmora::HubModule {
+   public:
+    std::string GetName() const override { return "stateful"; }
+    void Attach(Velmora::HubContext& context) override {
+      context.Listen("test.type", "test.source", [&context](const EventPointer& event) {
+        if (event->GetName() == "first") context.SetSharedState("at home", nullptr);
+        if (event->GetName() == "second") context.SetSharedState("newest", event);
+      });
+    }
+  };
+  hub = EventHub::Create(services);
+  hub->AddModule(std::make_unique<StatefulModule>());
+  for (const char* name : {"first", "second", "third"}) EXPECT_EQ(Dispatch(NewEvent(name)), "");
+  hub->Start();
+  Finish();
+  EXPECT_EQ(*hub->GetSharedState("stateful", nullptr), "newest");
+}
+
 TEST_F(EventHubTest, DropsEventsBeyondAModulesLimitWithoutHarmToOthers) {
   Velmora::EventHubLimits limits;
-  limits.moduleEvents = 2;
+  limits.moduleEvents.items = 2;
   StartHub(limits);
   const auto gate = std::make_shared<Gate>();
   const auto slow = std::make_shared<RecordingListener>([gate](const auto&) { gate->Pass(); });

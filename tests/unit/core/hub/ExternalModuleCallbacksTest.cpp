@@ -72,13 +72,22 @@ TEST_F(ExternalModuleCallbacksTest, AModuleThatThrowsEverywhereHarmsNobody) {
                  "module broken: OnUnexpectedError failed: std.exception: at error");
   log.ExpectLine(LogLevel::Error, "EventHub",
                  "module broken: OnUnregister failed: std.exception: at unregister");
-  log.ExpectLine(LogLevel::Error, "EventHub",
-                 "module broken: OnUnexpectedError failed: std.exception: at error");
   EXPECT_EQ(Register(module), "");
   RegisterWith("other", other);
   EXPECT_EQ(Dispatch(NewEvent("event")), "");
   Finish();
   EXPECT_EQ(other->Count(), 1U);
+}
+
+TEST_F(ExternalModuleCallbacksTest, NothingFollowsTheLastCallEvenWhenItThrows) {
+  StartHub();
+  const auto module = std::make_shared<RecordingModule>("broken");
+  module->onUnregister = [] { throw std::runtime_error("at unregister"); };
+  log.ExpectLine(LogLevel::Error, "EventHub",
+                 "module broken: OnUnregister failed: std.exception: at unregister");
+  EXPECT_EQ(Register(module), "");
+  Finish();
+  EXPECT_THAT(module->Calls(), ElementsAre("register", "unregister"));
 }
 
 TEST_F(ExternalModuleCallbacksTest, AListenerMayDispatch) {

@@ -45,6 +45,24 @@ TEST_F(ExternalModuleServicesTest, RefusesBadListeners) {
   EXPECT_THAT(listener->Calls(), ElementsAre());
 }
 
+TEST_F(ExternalModuleServicesTest, OthersAreToldOfTheStatesThatGoWithAModule) {
+  StartHub();
+  const auto watching = std::make_shared<RecordingListener>();
+  RegisterWith("watching", watching, EventTypes::kHub, EventSources::kSharedState);
+  ServicesOf("stateless")->UnregisterExtension();
+  const ModuleServices leaving = ServicesOf("leaving");
+  leaving->SetSharedEventState("{}", nullptr);
+  EXPECT_TRUE(watching->WaitForCount(1));
+  leaving->UnregisterExtension();
+  leaving->UnregisterExtension();
+  EXPECT_TRUE(watching->WaitForCount(2));
+  Finish();
+  ASSERT_EQ(watching->Count(), 2U);
+  for (const EventPointer& event : watching->Heard()) {
+    EXPECT_EQ(event->GetData()->Get(EventKeys::kStateOwner)->GetString(), "leaving");
+  }
+}
+
 TEST_F(ExternalModuleServicesTest, StatesAreVersionedByTheEventThatIsHeard) {
   StartHub();
   std::shared_ptr<RecordingModule> module;

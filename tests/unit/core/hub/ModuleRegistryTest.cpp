@@ -19,7 +19,7 @@ using Addition = ModuleRegistry::Addition;
 // Hosts that are never started: the registry calls nothing of theirs.
 ModuleRegistry::HostPointer NewHost(const std::string& name) {
   return std::make_shared<ExternalModuleHost>(std::make_shared<RecordingModule>(name), name,
-                                              nullptr, 0, 10);
+                                              nullptr, 0, Velmora::EventHubLimits());
 }
 
 class ModuleRegistryTest : public testing::Test {

@@ -40,7 +40,7 @@ steady_clock::time_point InTime() { return steady_clock::now() + TestSupport::kD
 
 TEST(SerialQueue, HandlesItemsInOrderOnItsOwnThread) {
   TestSupport::Guarded<std::thread::id> thread;
-  Queue queue(10);
+  Queue queue({10});
   Handled handled;
   Queue::Handlers handlers = handled.Handlers();
   handlers.begin = [&] { thread.Set(std::this_thread::get_id()); };
@@ -55,7 +55,7 @@ TEST(SerialQueue, HandlesItemsInOrderOnItsOwnThread) {
 }
 
 TEST(SerialQueue, CountsAcceptedItemsWithoutThoseThatAlwaysGetIn) {
-  Queue queue(2);
+  Queue queue({2});
   queue.Push(1, Admission::Refusable);
   queue.Push(2, Admission::Always);
   queue.Push(3, Admission::CountedWhenRefused);
@@ -66,7 +66,7 @@ TEST(SerialQueue, CountsAcceptedItemsWithoutThoseThatAlwaysGetIn) {
 TEST(SerialQueue, RefusesTheNewestWhenFullAndReportsTheCountedOnesOnce) {
   const auto gate = std::make_shared<Gate>();
   Handled handled;
-  Queue queue(2);
+  Queue queue({2});
   queue.Start(handled.Handlers(gate));
   queue.Push(1, Admission::Refusable);
   gate->AwaitArrivals();
@@ -85,7 +85,7 @@ TEST(SerialQueue, RefusesTheNewestWhenFullAndReportsTheCountedOnesOnce) {
 
 TEST(SerialQueue, KeepsAReserveForThoseThatMayUseIt) {
   Handled handled;
-  Queue queue(1, 2);
+  Queue queue({1}, {2});
   EXPECT_EQ(queue.Push(1, Admission::Refusable), Outcome::Accepted);
   EXPECT_EQ(queue.Push(2, Admission::CountedWhenRefused), Outcome::Full);
   EXPECT_EQ(queue.Push(3, Admission::Reserved), Outcome::Accepted);
@@ -98,11 +98,43 @@ TEST(SerialQueue, KeepsAReserveForThoseThatMayUseIt) {
   EXPECT_THAT(handled.overflows.Get(), ElementsAre(2U));
 }
 
+TEST(SerialQueue, RefusesFurtherItemsOnceThoseThatWaitHaveTooManyBytes) {
+  const auto gate = std::make_shared<Gate>();
+  Handled handled;
+  Queue queue({.items = 10, .bytes = 100}, {.items = 10, .bytes = 50});
+  queue.Start(handled.Handlers(gate));
+  EXPECT_EQ(queue.Push(1, Admission::Refusable, 1'000), Outcome::Accepted);
+  gate->AwaitArrivals();  // no longer waits
+  EXPECT_EQ(queue.Push(2, Admission::Refusable, 60), Outcome::Accepted);
+  EXPECT_EQ(queue.Push(3, Admission::Refusable, 60), Outcome::Accepted);
+  EXPECT_EQ(queue.Push(4, Admission::Refusable), Outcome::Full);
+  EXPECT_EQ(queue.Push(5, Admission::CountedWhenRefused, 1), Outcome::Full);
+  EXPECT_EQ(queue.Push(6, Admission::Reserved, 60), Outcome::Accepted);
+  EXPECT_EQ(queue.Push(7, Admission::Reserved), Outcome::Full);
+  EXPECT_EQ(queue.Push(8, Admission::Always, 1'000), Outcome::Accepted);
+  gate->Open();
+  EXPECT_TRUE(queue.WaitUntilIdle(InTime()));
+  EXPECT_EQ(queue.Push(9, Admission::Refusable, 1'000), Outcome::Accepted);
+  EXPECT_TRUE(queue.WaitUntilIdle(InTime()));
+  EXPECT_THAT(handled.items.Get(), ElementsAre(1, 2, 3, 6, 8, 9));
+  EXPECT_THAT(handled.overflows.Get(), ElementsAre(2U));
+}
+
+TEST(SerialQueue, ReportsWhatNeverCameAsFar) {
+  Handled handled;
+  Queue queue({1});
+  queue.CountRefused();
+  queue.CountRefused();
+  queue.Start(handled.Handlers());
+  EXPECT_TRUE(TestSupport::WaitUntil([&] { return !handled.overflows.Get().empty(); }));
+  EXPECT_THAT(handled.overflows.Get(), ElementsAre(2U));
+}
+
 TEST(SerialQueue, ReportsAtTheEndWhatWasRefusedAndNotYetReported) {
   const auto gate = std::make_shared<Gate>();
   Handled handled;
   bool hadBeenReported = false;
-  Queue queue(1);
+  Queue queue({1});
   Queue::Handlers handlers = handled.Handlers(gate);
   handlers.end = [&] { hadBeenReported = !handled.overflows.Get().empty(); };
   queue.Start(std::move(handlers));
@@ -118,7 +150,7 @@ TEST(SerialQueue, ReportsAtTheEndWhatWasRefusedAndNotYetReported) {
 }
 
 TEST(SerialQueue, CountsTheRefusedOnesAsDroppedWhenNoThreadWillReportThem) {
-  Queue queue(1);
+  Queue queue({1});
   queue.Push(1, Admission::Refusable);
   queue.Push(2, Admission::CountedWhenRefused);
   queue.Push(3, Admission::Refusable);
@@ -129,7 +161,7 @@ TEST(SerialQueue, StopDropsAndCountsWhatHasNotBegun) {
   const auto gate = std::make_shared<Gate>();
   Handled handled;
   bool hasEnded = false;
-  Queue queue(10);
+  Queue queue({10});
   Queue::Handlers handlers = handled.Handlers(gate);
   handlers.end = [&hasEnded] { hasEnded = true; };
   queue.Push(1, Admission::Refusable);
@@ -150,7 +182,7 @@ TEST(SerialQueue, StopDropsAndCountsWhatHasNotBegun) {
 
 TEST(SerialQueue, DoesNotStartAfterStop) {
   Handled handled;
-  Queue queue(10);
+  Queue queue({10});
   queue.Push(1, Admission::Refusable);
   EXPECT_EQ(queue.Stop(), 1U);
   EXPECT_FALSE(queue.Start(handled.Handlers()));
@@ -159,7 +191,7 @@ TEST(SerialQueue, DoesNotStartAfterStop) {
 }
 
 TEST(SerialQueue, KnowsItsOwnThreadAndDoesNotWaitThere) {
-  Queue queue(10);
+  Queue queue({10});
   TestSupport::Guarded<std::vector<bool>> answers;
   Queue::Handlers handlers;
   handlers.handle = [&](int) {
@@ -177,7 +209,7 @@ TEST(SerialQueue, KnowsItsOwnThreadAndDoesNotWaitThere) {
 
 TEST(SerialQueue, MayBeDestroyedOnItsOwnThread) {
   struct Owner {
-    Queue queue{10};
+    Queue queue{{10}};
     std::shared_ptr<std::atomic<bool>> isGone = std::make_shared<std::atomic<bool>>(false);
     ~Owner() { isGone->store(true); }
   };
@@ -196,7 +228,7 @@ TEST(SerialQueue, LosesNothingBetweenManyThreads) {
   constexpr int kThreads = 4;
   constexpr int kItems = 2'000;
   Handled handled;
-  Queue queue(kThreads * kItems);
+  Queue queue({kThreads * kItems});
   queue.Start(handled.Handlers());
   std::vector<std::thread> threads;
   for (int thread = 0; thread < kThreads; ++thread) {

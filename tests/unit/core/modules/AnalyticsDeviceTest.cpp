@@ -147,8 +147,8 @@ TEST_F(AnalyticsDeviceTest, IgnoresLimitsThatAreNoNumbers) {
     Configure(key, Variant::FromString("many"));
   }
   log.ExpectLine(LogLevel::Warning, "Analytics",
-                 "the member \"analytics.server\" of the configuration is no text and is ignored");
-  Configure("analytics.server", Variant::FromLong(1));
+                 "the member \"analytics.collector\" of the configuration is no text and is ignored");
+  Configure("analytics.collector", Variant::FromLong(1));
   TrackAll({"kept"});
   EXPECT_THAT(Numbers(), ElementsAre(1, 0, 0));
 }

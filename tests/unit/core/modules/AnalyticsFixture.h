@@ -37,7 +37,7 @@ class AnalyticsFixture : public CoreFixture {
     core->UpdateConfiguration({{key, std::move(value)}});
   }
   void UseCollector(const std::string& url = kCollector) {
-    Configure("analytics.server", Velmora::Variant::FromString(url));
+    Configure("analytics.collector", Velmora::Variant::FromString(url));
   }
   void StartSending() {
     StartCore();

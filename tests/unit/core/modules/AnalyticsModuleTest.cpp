@@ -74,9 +74,10 @@ TEST_F(AnalyticsModuleTest, ReadsEachConfigurationOnce) {
   services->jsonUtility = json;
   StartCore();
   core->UpdateConfiguration({{"large", Velmora::Variant::FromString(std::string(5'000'000, 'x'))}});
+  Track("one");
   Settle();
   const int before = json->count;
-  for (int count = 0; count < 1'000; ++count) Track("one");
+  for (int count = 1; count < 1'000; ++count) Track("one");
   Finish();
   EXPECT_EQ(CountHeard(EventTypes::kAnalytics, EventSources::kPrepared), 1'000U);
   EXPECT_EQ(json->count, before);

@@ -106,7 +106,7 @@ TEST_F(AnalyticsSendingTest, SendsNothingWithoutACollector) {
 TEST_F(AnalyticsSendingTest, SendsNothingInTheClear) {
   StartSending();
   log.ExpectLine(LogLevel::Warning, "Analytics",
-                 "hits wait: \"analytics.server\" of the configuration is no https URL");
+                 "hits wait: \"analytics.collector\" of the configuration is no https URL");
   UseCollector("http://collector.test/https");
   Configure("other", Variant::FromLong(1));
   Track("waits");

@@ -84,15 +84,56 @@ TEST_F(ConfigurationModuleTest, StatesAreVersionedByTheRequest) {
   EXPECT_EQ(StateOf("configuration", requests[1]), R"({"a":2,"privacyStatus":2})");
 }
 
-TEST_F(ConfigurationModuleTest, KeepsTheAppId) {
+TEST_F(ConfigurationModuleTest, UpdatesStandOverTheFileWhicheverCameFirst) {
   StartCore();
-  log.ExpectLine(LogLevel::Debug, "Configuration",
-                 "the app id is kept; a configuration for it cannot be fetched yet");
-  log.ExpectLine(LogLevel::Warning, "Configuration", "an empty app id was ignored");
-  core->ConfigureWithAppId("app");
-  core->ConfigureWithAppId("");
+  core->UpdateConfiguration({{"a", Variant::FromLong(1)}, {"b", nullptr}});
+  core->ConfigureWithFileInPath(directory.WriteFile("config.json", R"({"a":2,"b":2,"c":2})"));
   Settle();
-  EXPECT_EQ(StateOf("configuration"), R"({"appId":"app","privacyStatus":2})");
+  EXPECT_EQ(StateOf("configuration"), R"({"a":1,"c":2,"privacyStatus":2})");
+}
+
+TEST_F(ConfigurationModuleTest, AFileTakesThePlaceOfTheOneBefore) {
+  StartCore();
+  core->ConfigureWithFileInPath(directory.WriteFile("one.json", R"({"a":1,"b":1})"));
+  core->ConfigureWithFileInPath(directory.WriteFile("two.json", R"({"b":2})"));
+  Settle();
+  EXPECT_EQ(StateOf("configuration"), R"({"b":2,"privacyStatus":2})");
+}
+
+TEST_F(ConfigurationModuleTest, TheNextStartBeginsWithWhatWasConfigured) {
+  StartCore();
+  core->ConfigureWithFileInPath(directory.WriteFile("config.json", R"({"a":1,"b":[{}],"c":3})"));
+  core->UpdateConfiguration({{"c", nullptr}, {"d", Variant::FromString("new")}});
+  Restart();
+  Settle();
+  const std::string state = R"({"a":1,"b":[{}],"d":"new","privacyStatus":2})";
+  EXPECT_EQ(StateOf("configuration"), state);
+  EXPECT_EQ(StateOf("configuration", NewEvent("")->WithNumber(1)), state);
+}
+
+TEST_F(ConfigurationModuleTest, IgnoresStoredTextThatIsNoJsonObject) {
+  const auto store = services->localStorage->GetDataStore("KorvoMobile_ConfigState");
+  store->SetString("FileConfiguration", "[1]");
+  store->SetInt("RemoteConfiguration", 7);
+  store->SetString("UpdatedConfiguration", R"({"kept":"yes"})");
+  log.ExpectLine(LogLevel::Warning, "Configuration",
+                 "the stored \"FileConfiguration\" cannot be read and is ignored");
+  log.ExpectLine(LogLevel::Warning, "Configuration",
+                 "the stored \"RemoteConfiguration\" cannot be read and is ignored");
+  StartCore();
+  Settle();
+  EXPECT_EQ(StateOf("configuration"), R"({"kept":"yes","privacyStatus":2})");
+}
+
+TEST_F(ConfigurationModuleTest, WorksWithoutADataStore) {
+  services->localStorage = nullptr;
+  log.AllowLines(LogLevel::Warning, "Identity", testing::_);
+  log.ExpectLine(LogLevel::Warning, "Configuration",
+                 "there is no data store; the configuration will not be remembered");
+  StartCore();
+  core->UpdateConfiguration({{"a", Variant::FromLong(1)}});
+  Settle();
+  EXPECT_EQ(StateOf("configuration"), R"({"a":1,"privacyStatus":2})");
 }
 
 TEST_F(ConfigurationModuleTest, AMissingFileIsOneErrorLine) {

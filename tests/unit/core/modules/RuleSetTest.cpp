@@ -1,5 +1,8 @@
+#include <iterator>
 #include <optional>
+#include <random>
 #include <string>
+#include <utility>
 
 #include <gmock/gmock.h>
 
@@ -172,6 +175,10 @@ TEST_F(RuleSetTest, RefusesConsequencesThatItDoesNotUnderstand) {
                             R"(open: "in" is not known)");
   ExpectConsequencesRefused(R"({"alert": {"positive": "OK"}})", R"(alert: "message" is missing)");
   ExpectConsequencesRefused(R"({"alert": {"message": "a"}})", R"(alert: "positive" is missing)");
+  for (const char* message : {"{}", R"({"html": "a.html", "base64": "PGgxPg=="})"}) {
+    ExpectConsequencesRefused(std::string(R"({"message": )") + message + "}",
+                              R"(message: it needs either "html" or "base64")");
+  }
   ExpectConsequencesRefused(R"({"notification": {"text": "a", "delay": -1}})",
                             R"(notification: "delay" is not between 0 and 31622400)");
   ExpectConsequencesRefused(R"({"notification": {"text": "a", "userInfo": "{}"}})",
@@ -215,6 +222,71 @@ TEST_F(RuleSetTest, RefusesNestingThatNoStackCouldHold) {
   const auto rules = Velmora::ReadRules(file, problem);
   ASSERT_TRUE(rules.has_value());
   EXPECT_THAT(*rules, SizeIs(0));
+}
+
+// Values of every kind, which may stand anywhere.
+std::shared_ptr<Variant> AnyValue(std::mt19937& random) {
+  const Velmora::VariantVector values{nullptr,
+                                      Variant::FromNull(),
+                                      Variant::FromBoolean(true),
+                                      Variant::FromLong(-1),
+                                      Variant::FromDouble(0.5),
+                                      Variant::FromString(""),
+                                      Variant::FromString("data.a"),
+                                      Variant::FromString("../a"),
+                                      Variant::FromVariantVector({}),
+                                      Variant::FromVariantVector({nullptr}),
+                                      Variant::FromVariantMap({}),
+                                      Variant::FromVariantMap({{"and", nullptr}})};
+  return values[random() % values.size()];
+}
+
+// The same, with something in it replaced, left out or put in.
+std::shared_ptr<Variant> Spoilt(const std::shared_ptr<Variant>& value, std::mt19937& random) {
+  if (value == nullptr || random() % 6 == 0) return AnyValue(random);
+  if (value->GetKind() == Velmora::VariantKind::VariantVector) {
+    Velmora::VariantVector elements = value->GetVariantVector();
+    if (elements.empty()) return value;
+    std::shared_ptr<Variant>& element = elements[random() % elements.size()];
+    element = Spoilt(element, random);
+    return Variant::FromVariantVector(std::move(elements));
+  }
+  if (value->GetKind() != Velmora::VariantKind::VariantMap) return value;
+  Velmora::VariantMap members = value->GetVariantMap();
+  if (members.empty() || random() % 8 == 0) {
+    members.insert_or_assign("more", AnyValue(random));
+  } else {
+    const auto member =
+        std::next(members.begin(), static_cast<std::ptrdiff_t>(random() % members.size()));
+    member->second = Spoilt(member->second, random);
+    if (random() % 8 == 0) members.erase(member);
+  }
+  return Variant::FromVariantMap(std::move(members));
+}
+
+TEST_F(RuleSetTest, WithstandsEveryKindOfSpoiltFile) {
+  log.AllowLines(LogLevel::Warning, "Rules", testing::_);
+  const std::shared_ptr<Variant> whole = Value(File(R"({"id": "a", "if": {"and": [
+      {"or": [{"field": "data.a.b", "equals": 1}, {"not": {"field": "name", "contains": "x"}}]},
+      {"field": ["data", "a"], "exists": true}, {"field": "data.c", "greater": 1}]},
+      "then": {"message": {"html": "a.html"}, "button": {"url": "https://example.com"},
+               "notification": {"text": "b", "delay": 1, "userInfo": {"c": [1]}}}, "limit": 2})"));
+  const Velmora::Event event(
+      "x", "t", "s", std::make_shared<Velmora::EventData>(Map(R"({"a": {"b": 1}, "c": "2"})")));
+  std::mt19937 random(20260305);
+  int understood = 0;
+  for (int round = 0; round < 20'000; ++round) {
+    const std::shared_ptr<Variant> spoilt = Spoilt(whole, random);
+    if (spoilt == nullptr || spoilt->GetKind() != Velmora::VariantKind::VariantMap) continue;
+    std::string problem;
+    const auto rules = Velmora::ReadRules(spoilt->GetVariantMap(), problem);
+    EXPECT_EQ(rules.has_value(), problem.empty());
+    for (const Rule& rule : rules.value_or(RuleSet())) {
+      rule.condition.Holds(event);
+      ++understood;
+    }
+  }
+  EXPECT_GT(understood, 100) << "nearly everything is refused, so that little is tried";
 }
 
 }  // namespace

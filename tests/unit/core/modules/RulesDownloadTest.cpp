@@ -36,10 +36,7 @@ class CountingZipService final : public Velmora::NativeCompressedFileService {
 
 class RulesDownloadTest : public RulesFixture {
  protected:
-  RulesDownloadTest() {
-    services->compressedFile = zip;
-    host.fileManager->SetCachesDirectory(directory.PathOf("caches"));
-  }
+  RulesDownloadTest() { services->compressedFile = zip; }
 
   // Asks for an archive that cannot be used: one error line says why, and the rules that served
   // before still do.
@@ -58,7 +55,6 @@ class RulesDownloadTest : public RulesFixture {
     return TestSupport::ArchiveOf({TestSupport::StoredEntry("rules.json", text)});
   }
 
-  TestSupport::TemporaryDirectory directory;
   const std::shared_ptr<CountingZipService> zip = std::make_shared<CountingZipService>();
 };
 
@@ -284,6 +280,32 @@ TEST_F(RulesDownloadTest, AFullDeviceLeavesTheOldRules) {
   const std::string archive = Archive("", {{"a.html", std::string(100'000, 'x')}});
   host.fileManager->FailWritesAfter(archive.size() + 50'000);
   ExpectRefused(archive, HasSubstr("compressed-file."));
+}
+
+TEST_F(RulesDownloadTest, WhereverWritingStopsTheOldRulesServeWholeUntilTheNewOnesDo) {
+  StartCore();
+  const std::string former =
+      Archive(RuleThen("old", R"({"message": {"html": "a.html"}})"), {{"a.html", "old"}});
+  Install(former);
+  const std::string next = Archive(RuleThen("new", R"({"message": {"html": "a.html"}})"),
+                                   {{"a.html", std::string(200, 'n')}});
+  for (std::uint64_t bytes = 0; Serving() != Sha256Of(next); bytes += 50) {
+    SCOPED_TRACE(bytes);
+    ASSERT_LT(bytes, 10'000U) << "there is no end to it";
+    host.fileManager->FailWritesAfter(bytes);
+    Download(next);
+    std::vector<TestSupport::LogLine> lines;
+    ASSERT_TRUE(TestSupport::WaitUntil([&] {
+      lines = log.TakeLines();
+      return !lines.empty() || Serving() == Sha256Of(next);
+    }));
+    EXPECT_THAT(lines, SizeIs(Serving() == Sha256Of(next) ? 0 : 1));
+    host.fileManager->Heal();
+    Restart();
+    Settle();
+    ASSERT_THAT(Serving(), testing::AnyOf(Sha256Of(former), Sha256Of(next)));
+    EXPECT_THAT(StateOf("rules"), HasSubstr(R"("count":1)"));
+  }
 }
 
 TEST_F(RulesDownloadTest, WithoutADataStoreRulesServeButAreNotRemembered) {

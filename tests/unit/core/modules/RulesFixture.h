@@ -10,7 +10,7 @@
 #include "VelmoraCore/EventData.h"
 #include "services/filesystem/NativeCompressedFileService.h"
 #include "services/network/NativeRemoteFileManagerService.h"
-#include "services/system/NativeUrlService.h"
+#include "services/system/NativeEncodingService.h"
 #include "services/ui/KRVMessagesMonitor.h"
 #include "services/ui/NativeUiService.h"
 #include "support/ZipBuilder.h"
@@ -28,7 +28,7 @@ class RulesFixture : public CoreFixture {
     services->remoteFileManager = Velmora::CreateNativeRemoteFileManagerService(
         services->network, services->fileSystem, services->systemInfo);
     services->ui = Velmora::CreateNativeUiService();
-    services->url = Velmora::CreateNativeUrlService();
+    services->encoding = Velmora::CreateNativeEncodingService();
     log.AllowLines(TestSupport::LogLevel::Debug, "RemoteFileManager: ", testing::_);
     log.AllowLines(TestSupport::LogLevel::Debug, "NativeFileSystemService", testing::_);
   }

@@ -59,6 +59,18 @@ TEST_F(RulesShowingTest, AMessageIsAFileOfTheArchive) {
   EXPECT_TRUE(WaitForOutcomes({"a message fired", "a message shown"}));
 }
 
+TEST_F(RulesShowingTest, AMessageMayStandInTheRulesThemselves) {
+  Show(R"({"message": {"base64": "PGgxPldlbGNvbWU8L2gxPg=="}})");
+  ASSERT_THAT(host.ui->webViews, SizeIs(1));
+  EXPECT_EQ(host.ui->webViews[0]->html, "<h1>Welcome</h1>");
+}
+
+TEST_F(RulesShowingTest, AMessageThatIsNoBase64IsOneLine) {
+  log.ExpectLine(LogLevel::Error, "Rules", "a message cannot be shown: it is no text in base64");
+  Show(R"({"message": {"base64": "<h1>"}})");
+  EXPECT_THAT(host.ui->webViews, IsEmpty());
+}
+
 TEST_F(RulesShowingTest, LinksOfTheSchemeVelmoraCloseAMessage) {
   Show(R"({"message": {"html": "welcome.html"}})", {{"welcome.html", "<h1>"}});
   ASSERT_THAT(host.ui->webViews, SizeIs(1));
@@ -100,7 +112,7 @@ TEST_F(RulesShowingTest, AMessageWhoseFileHasGoneIsOneLine) {
   Install(Archive(RuleThen("a", R"({"message": {"html": "welcome.html"}})"),
                   {{"welcome.html", "<h1>"}}));
   std::filesystem::remove_all(RulesRoot());
-  log.ExpectLine(LogLevel::Error, "Rules", testing::HasSubstr("welcome.html\" cannot be shown: "));
+  log.ExpectLine(LogLevel::Error, "Rules", testing::HasSubstr("welcome.html\" cannot be read: "));
   Visit();
   host.mainQueue->RunAll();
   EXPECT_THAT(host.ui->webViews, IsEmpty());
@@ -110,7 +122,7 @@ TEST_F(RulesShowingTest, AMessageThatIsTooLongIsOneLine) {
   StartCore();
   Install(Archive(RuleThen("a", R"({"message": {"html": "long.html"}})"),
                   {{"long.html", std::string(4 * 1024 * 1024 + 1, ' ')}}));
-  log.ExpectLine(LogLevel::Error, "Rules", testing::HasSubstr("cannot be shown: it is too long"));
+  log.ExpectLine(LogLevel::Error, "Rules", testing::HasSubstr("cannot be read: it is too long"));
   Visit();
 }
 

@@ -11,9 +11,9 @@
 namespace Velmora {
 
 // Knows nothing; hands the names that threads give themselves to a function, on those threads.
-class StubSystemInfoService : public Object, public virtual SystemInfoServiceInterface {
+class FakeSystemInfoService : public Object, public virtual SystemInfoServiceInterface {
  public:
-  explicit StubSystemInfoService(std::function<void(const std::string&)> onThreadName)
+  explicit FakeSystemInfoService(std::function<void(const std::string&)> onThreadName)
       : onThreadName_(std::move(onThreadName)) {}
 
   void SetCurrentThreadName(const std::string& name) const override { onThreadName_(name); }
