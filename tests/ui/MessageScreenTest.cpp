@@ -105,6 +105,25 @@ TEST_F(MessageOnScreen, FitsTheWindowWhenThatIsResizedOrTurned) {
   Remove(message);
 }
 
+TEST_F(MessageOnScreen, LeavesTheHeaderBarFree) {
+  auto* other = GTK_WINDOW(gtk_application_window_new(screen.application));
+  gtk_window_set_titlebar(other, gtk_header_bar_new());
+  gtk_window_set_default_size(other, 400, 500);
+  content = gtk_label_new("Content");
+  gtk_window_set_child(other, content);
+  gtk_window_present(other);
+  gtk_window_destroy(window);
+  window = other;
+  ASSERT_TRUE(Until([this] { return IsActive() && ContentHeight() > 0; }));
+  const int height = ContentHeight();
+  const auto message = Show(BluePage());
+  TestSupport::Photograph("message-below-header-bar");
+  EXPECT_EQ(ContentHeight(), height);
+  EXPECT_EQ(gtk_widget_get_height(WebView()), height);
+  Remove(message);
+  EXPECT_EQ(ContentHeight(), height);
+}
+
 TEST_F(MessageOnScreen, StaysWhenTheApplicationPutsOtherContentIntoItsWindow) {
   const auto message = Show(BluePage());
   GtkWidget* other = gtk_label_new("Other content");
