@@ -28,8 +28,12 @@ class FileHandleContractTest : public Fixture<Implementation> {
     return this->manager_.OpenForReading(this->WriteFile("file", contents));
   }
 
+  // At the start of what it has written.
   std::unique_ptr<FileHandle> OpenForWriting(const std::string& contents) {
-    return this->manager_.OpenForWriting(this->WriteFile("file", contents));
+    auto handle = this->manager_.OpenForWriting(this->PathOf("file"), "");
+    Write(*handle, contents);
+    handle->Seek(0);
+    return handle;
   }
 
   static std::string Read(FileHandle& handle, std::size_t count) {
@@ -175,7 +179,7 @@ TYPED_TEST(FileHandleContractTest, WritesBeyondTheEndLeaveZeroBytes) {
 }
 
 TYPED_TEST(FileHandleContractTest, ThrowsWhenTheDiskIsFull) {
-  const auto handle = this->manager_.OpenForWriting("/dev/full");
+  const auto handle = this->manager_.OpenForWriting("/dev/full", "");
   ASSERT_NE(handle, nullptr);
   try {
     this->Write(*handle, "abc");
@@ -234,14 +238,14 @@ TYPED_TEST(FileHandleContractTest, ThrowsAndStaysWhenTheDeviceCannotBeRead) {
 TYPED_TEST(FileHandleContractTest, ReadsOnlyOrWritesOnly) {
   const auto reading = this->OpenForReading("abc");
   EXPECT_THROW(this->Write(*reading, "x"), DeviceError);
-  const auto writing = this->manager_.OpenForWriting(this->PathOf("file"));
+  const auto writing = this->manager_.OpenForWriting(this->PathOf("other"), "");
   EXPECT_THROW(this->Read(*writing, 1), DeviceError);
   EXPECT_EQ(ReadFileBytes(this->PathOf("file")), "abc");
 }
 
 TYPED_TEST(FileHandleContractTest, ThrowsForEverythingOnceClosed) {
   for (const auto& handle : {this->manager_.OpenForReading(this->WriteFile("a", "x")),
-                             this->manager_.OpenForWriting(this->WriteFile("b", "x"))}) {
+                             this->manager_.OpenForWriting(this->PathOf("b"), "")}) {
     handle->Close();
     char byte = 0;
     EXPECT_THROW(handle->Offset(), DeviceError);

@@ -64,10 +64,6 @@ bool ConfinedFileManager::RemoveFileOrEmptyDirectory(const std::string& path,
   return Permits(path, error) && LinuxFileManager::RemoveFileOrEmptyDirectory(path, error);
 }
 
-bool ConfinedFileManager::CreateFile(const std::string& path) {
-  return Permits(path, nullptr) && LinuxFileManager::CreateFile(path);
-}
-
 bool ConfinedFileManager::WriteFile(const std::string& path, std::string_view bytes,
                                     Platform::Error* error) {
   if (!Permits(path, error) || bytes.size() > bytesToWrite_) return false;
@@ -75,9 +71,10 @@ bool ConfinedFileManager::WriteFile(const std::string& path, std::string_view by
   return LinuxFileManager::WriteFile(path, bytes, error);
 }
 
-std::unique_ptr<Platform::FileHandle> ConfinedFileManager::OpenForWriting(const std::string& path) {
+std::unique_ptr<Platform::FileHandle> ConfinedFileManager::OpenForWriting(
+    const std::string& path, const std::string& spared) {
   if (!Permits(path, nullptr)) return nullptr;
-  auto handle = LinuxFileManager::OpenForWriting(path);
+  auto handle = LinuxFileManager::OpenForWriting(path, spared);
   return handle ? std::make_unique<Handle>(std::move(handle), bytesToWrite_) : nullptr;
 }
 

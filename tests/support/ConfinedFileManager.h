@@ -31,9 +31,9 @@ class ConfinedFileManager final : public Platform::LinuxFileManager {
   bool CreateDirectory(const std::string& path, Platform::Error* error) override;
   bool RemoveItem(const std::string& path, Platform::Error* error) override;
   bool RemoveFileOrEmptyDirectory(const std::string& path, Platform::Error* error) override;
-  bool CreateFile(const std::string& path) override;
   bool WriteFile(const std::string& path, std::string_view bytes, Platform::Error* error) override;
-  std::unique_ptr<Platform::FileHandle> OpenForWriting(const std::string& path) override;
+  std::unique_ptr<Platform::FileHandle> OpenForWriting(const std::string& path,
+                                                       const std::string& spared) override;
 
  private:
   class Handle;

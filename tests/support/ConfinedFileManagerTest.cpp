@@ -20,8 +20,7 @@ TEST(ConfinedFileManager, ChangesNothingOutsideItsDirectory) {
        {outside, folder.PathOf("inside/../outside"), folder.PathOf("inside/a/../../outside"),
         folder.PathOf("inside-not"), folder.Path().string(), std::string("relative"),
         std::string()}) {
-    EXPECT_FALSE(manager.CreateFile(path)) << path;
-    EXPECT_EQ(manager.OpenForWriting(path), nullptr);
+    EXPECT_EQ(manager.OpenForWriting(path, ""), nullptr) << path;
     EXPECT_FALSE(manager.IsWritable(path));
     Platform::Error error;
     EXPECT_FALSE(manager.CreateDirectory(path, &error));
@@ -29,7 +28,7 @@ TEST(ConfinedFileManager, ChangesNothingOutsideItsDirectory) {
     EXPECT_FALSE(manager.RemoveItem(path, nullptr));
   }
   EXPECT_EQ(TestSupport::ReadFileBytes(outside), "x");
-  EXPECT_TRUE(manager.CreateFile(folder.PathOf("inside/new")));
+  EXPECT_NE(manager.OpenForWriting(folder.PathOf("inside/new"), ""), nullptr);
   EXPECT_TRUE(manager.CreateDirectory(folder.PathOf("inside/a/../b"), nullptr));
   EXPECT_TRUE(manager.RemoveItem(folder.PathOf("inside"), nullptr));
 }
@@ -37,7 +36,7 @@ TEST(ConfinedFileManager, ChangesNothingOutsideItsDirectory) {
 TEST(ConfinedFileManager, WritesNoMoreThanItMay) {
   const TemporaryDirectory folder;
   ConfinedFileManager manager(folder.Path(), 5);
-  const auto handle = manager.OpenForWriting(folder.WriteFile("file", ""));
+  const auto handle = manager.OpenForWriting(folder.PathOf("file"), "");
   handle->Write("abc", 3);
   EXPECT_EQ(manager.BytesToWrite(), 2U);
   EXPECT_THROW(handle->Write("def", 3), Platform::DeviceError);

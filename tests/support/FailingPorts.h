@@ -56,7 +56,6 @@ class FailingFileManager final : public Platform::FileManager {
  public:
   std::string CurrentDirectoryPath() const override { FailDevice(); }
   Platform::FileType TypeOfItem(const std::string&) const override { FailDevice(); }
-  bool IsSameItem(const std::string&, const std::string&) const override { FailDevice(); }
   bool IsWritable(const std::string&) const override { FailDevice(); }
   bool CreateDirectory(const std::string&, Platform::Error*) override { FailDevice(); }
   bool RemoveItem(const std::string&, Platform::Error*) override { FailDevice(); }
@@ -71,12 +70,12 @@ class FailingFileManager final : public Platform::FileManager {
   std::optional<std::string> ReadText(const std::string&, Platform::Error*) const override {
     FailDevice();
   }
-  bool CreateFile(const std::string&) override { FailDevice(); }
   bool WriteFile(const std::string&, std::string_view, Platform::Error*) override { FailDevice(); }
   std::unique_ptr<Platform::FileHandle> OpenForReading(const std::string&) override {
     FailDevice();
   }
-  std::unique_ptr<Platform::FileHandle> OpenForWriting(const std::string&) override {
+  std::unique_ptr<Platform::FileHandle> OpenForWriting(const std::string&,
+                                                       const std::string&) override {
     FailDevice();
   }
   std::string CachesDirectory() const override { FailDevice(); }

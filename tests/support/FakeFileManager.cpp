@@ -143,11 +143,6 @@ std::optional<std::string> FakeFileManager::ReadText(const std::string& path,
   return LinuxFileManager::ReadText(path, error);
 }
 
-bool FakeFileManager::CreateFile(const std::string& path) {
-  if (faults_->Strikes(FileFault::CreateFile, nullptr)) return false;
-  return LinuxFileManager::CreateFile(path);
-}
-
 bool FakeFileManager::WriteFile(const std::string& path, std::string_view bytes,
                                 Platform::Error* error) {
   if (faults_->Strikes(FileFault::WriteFile, error)) return false;
@@ -160,9 +155,10 @@ std::unique_ptr<Platform::FileHandle> FakeFileManager::OpenForReading(const std:
   return handle ? std::make_unique<Handle>(std::move(handle), faults_) : nullptr;
 }
 
-std::unique_ptr<Platform::FileHandle> FakeFileManager::OpenForWriting(const std::string& path) {
+std::unique_ptr<Platform::FileHandle> FakeFileManager::OpenForWriting(const std::string& path,
+                                                                      const std::string& spared) {
   if (faults_->Strikes(FileFault::OpenForWriting, nullptr)) return nullptr;
-  auto handle = LinuxFileManager::OpenForWriting(path);
+  auto handle = LinuxFileManager::OpenForWriting(path, spared);
   return handle ? std::make_unique<Handle>(std::move(handle), faults_) : nullptr;
 }
 

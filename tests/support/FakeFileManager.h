@@ -20,7 +20,6 @@ enum class FileFault {
   RemoveItem,  // and of a file or an empty directory
   ContentsOfDirectory,
   ReadText,
-  CreateFile,
   WriteFile,
   OpenForReading,
   OpenForWriting,
@@ -63,10 +62,10 @@ class FakeFileManager final : public Platform::LinuxFileManager {
                                                             Platform::Error* error) const override;
   std::optional<std::string> ReadText(const std::string& path,
                                       Platform::Error* error) const override;
-  bool CreateFile(const std::string& path) override;
   bool WriteFile(const std::string& path, std::string_view bytes, Platform::Error* error) override;
   std::unique_ptr<Platform::FileHandle> OpenForReading(const std::string& path) override;
-  std::unique_ptr<Platform::FileHandle> OpenForWriting(const std::string& path) override;
+  std::unique_ptr<Platform::FileHandle> OpenForWriting(const std::string& path,
+                                                       const std::string& spared) override;
 
   // "caches" in the temporary folder, unless set; not created.
   std::string CachesDirectory() const override { return cachesDirectory_.Get(); }

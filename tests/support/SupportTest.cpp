@@ -129,7 +129,7 @@ TEST(FakeFileManager, StopsHandlesThatAreAlreadyOpen) {
   const TestSupport::TemporaryDirectory folder;
   TestSupport::FakeFileManager files;
   const auto reading = files.OpenForReading(folder.WriteFile("a", "contents"));
-  const auto writing = files.OpenForWriting(folder.WriteFile("b", ""));
+  const auto writing = files.OpenForWriting(folder.PathOf("b"), "");
   files.FailReadsAfter(3);
   files.FailWritesAfter(3);
   char bytes[4] = {};

@@ -44,13 +44,17 @@ class VELMORA_CORE_API Core {
   // second call does nothing.
   void Dispose();
 
+  // Takes the configuration that belongs to the app id: the last one that was downloaded for it at
+  // once, a newer one when it has come. It stands over the one from a file.
   void ConfigureWithAppId(const std::string& appId) const;
 
-  // Reads a JSON object from the file and takes its members as configuration. A file that cannot
-  // be used gives one error line that names it, and changes nothing.
+  // Reads a JSON object from the file and takes its members as configuration, in the place of those
+  // of the file before. A file that cannot be used gives one error line that names it, and changes
+  // nothing.
   void ConfigureWithFileInPath(const std::string& path) const;
 
-  // Merges the members into the configuration; an empty pointer or a null removes a member.
+  // Sets members of the configuration, over what file and app id bring now and later; an empty
+  // pointer or a null hides a member.
   void UpdateConfiguration(std::map<std::string, std::shared_ptr<Variant>> configuration);
 
   // Calls back with a JSON object of every identifier known.

@@ -154,7 +154,8 @@ std::optional<HitSender::Collector> AnalyticsModule::FindCollector() {
   if (url.empty() || status_ != MobilePrivacyStatus::OptedIn) return std::nullopt;
   if (!IsHttps(hub_->Services(), url)) {
     if (std::exchange(unusableUrl_, url) != url) {
-      Log::Warning(kLogTag, "hits wait: \"%s\" of the configuration is no https URL", kCollectorKey);
+      Log::Warning(kLogTag, "hits wait: \"%s\" of the configuration is no https URL",
+                   kCollectorKey);
     }
     return std::nullopt;
   }

@@ -47,7 +47,7 @@ std::string PercentEncoded(const std::string& text) {
 }  // namespace
 
 ConfigurationDownload::ConfigurationDownload(HubContext& hub)
-    : hub_(hub), wayHome_(hub.WayHome()), delay_(kFirstDelay, kLongestDelay) {}
+    : hub_(hub), wayHome_(hub.WayHome()), delay_(kFirstDelay, kLongestDelay), timer_(hub) {}
 
 bool ConfigurationDownload::IsAppId(const std::string& appId) {
   const bool hasControl = std::any_of(appId.begin(), appId.end(), [](char byte) {
@@ -58,7 +58,8 @@ bool ConfigurationDownload::IsAppId(const std::string& appId) {
 }
 
 bool ConfigurationDownload::Begin(const std::string& appId, Members onMembers) {
-  EndWait();
+  ++attempt_;
+  timer_.Stop();
   url_.clear();
   delay_.Reset();
   onMembers_ = std::move(onMembers);
@@ -102,12 +103,8 @@ std::optional<VariantMap> ConfigurationDownload::Cached() const {
 }
 
 void ConfigurationDownload::Fetch() {
-  EndWait();
-  ticket_ = hub_.GetClock().CallAfter(kAnswerTime, [wayHome = wayHome_, this, attempt = attempt_] {
-    wayHome([this, attempt] {
-      if (attempt == attempt_) OnSilence();
-    });
-  });
+  ++attempt_;
+  timer_.Start(kAnswerTime, [this] { OnSilence(); });
   const auto onFile = [wayHome = wayHome_, this, attempt = attempt_](
                           const RemoteFileManagerServiceInterface::FileResult& result) {
     // Read here, on the service's thread.
@@ -115,7 +112,7 @@ void ConfigurationDownload::Fetch() {
     const std::string problem = result ? "" : result.GetError().what();
     wayHome([this, attempt, text, problem] {
       if (attempt != attempt_) return;
-      EndWait();
+      timer_.Stop();
       if (problem.empty()) {
         OnText(text);
       } else {
@@ -144,21 +141,13 @@ void ConfigurationDownload::OnText(const std::string& text) {
 }
 
 void ConfigurationDownload::OnSilence() {
-  EndWait();
+  // What comes now comes too late.
+  ++attempt_;
   const std::chrono::milliseconds delay = delay_.Next();
   Log::Debug(kLogTag,
              "the configuration of the app id did not come; it is asked for again in %lld ms",
              static_cast<long long>(delay.count()));
-  ticket_ = hub_.GetClock().CallAfter(delay, [wayHome = wayHome_, this, attempt = attempt_] {
-    wayHome([this, attempt] {
-      if (attempt == attempt_) Fetch();
-    });
-  });
-}
-
-void ConfigurationDownload::EndWait() {
-  ++attempt_;
-  if (ticket_.has_value()) hub_.GetClock().Cancel(*std::exchange(ticket_, std::nullopt));
+  timer_.Start(delay, [this] { Fetch(); });
 }
 
 }  // namespace Velmora

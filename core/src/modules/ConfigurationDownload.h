@@ -7,6 +7,7 @@
 
 #include "VelmoraCore/Variant.h"
 #include "hub/HubModule.h"
+#include "modules/HomeTimer.h"
 #include "modules/RetryDelay.h"
 
 namespace Velmora {
@@ -38,15 +39,14 @@ class ConfigurationDownload {
   void Fetch();
   void OnText(const std::string& text);
   void OnSilence();
-  void EndWait();
 
   HubContext& hub_;
   const HubContext::Poster wayHome_;
   std::string url_;
   Members onMembers_;
   RetryDelay delay_;
+  HomeTimer timer_;
   std::uint64_t attempt_ = 0;  // what belongs to an older one is ignored
-  std::optional<Clock::Ticket> ticket_;
 };
 
 }  // namespace Velmora

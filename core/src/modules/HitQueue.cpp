@@ -13,7 +13,6 @@ namespace {
 constexpr const char* kLogTag = "Analytics";
 constexpr const char* kSourceLocation = "src/modules/HitQueue";
 constexpr const char* kDatabase = "KorvoMobile_AnalyticsHits";
-constexpr std::chrono::minutes kRetry{1};
 
 // Of hits that wait in memory; rows of the table count from 1.
 constexpr std::int64_t kInMemory = 0;
@@ -127,6 +126,8 @@ void HitQueue::Clear() {
 }
 
 std::size_t HitQueue::Count() {
+  Save();
+  // Also where there was nothing to save.
   TryTable([](HitTable&) {});
   return countInTable_ + unsaved_.size();
 }

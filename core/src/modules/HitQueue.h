@@ -19,8 +19,9 @@ namespace Velmora {
 // oldest go first. Belongs to one thread at a time; throws nothing.
 //
 // While the database cannot be used, which one warning tells, hits wait in memory behind those that
-// it holds, and are brought into it once it can be: it is tried again after a minute. A database
-// that is damaged is made anew, with a warning.
+// it holds, and are brought into it once it can be: the next operation after a minute tries. What
+// the database wrote although it said that it could not is then there twice, never not at all. A
+// database that is damaged is made anew, with a warning.
 class HitQueue {
  public:
   struct Limits {
@@ -67,6 +68,12 @@ class HitQueue {
 
   std::size_t Count();
   Dropped TakeDropped();
+
+  // True while the database cannot be used, and hits in it cannot be seen.
+  bool IsDisturbed() const { return failedAt_.has_value(); }
+
+  // So long after a failure the database is tried again.
+  static constexpr std::chrono::minutes kRetry{1};
 
  private:
   struct Unsaved {

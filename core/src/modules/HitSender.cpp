@@ -38,12 +38,13 @@ HitSender::HitSender(HubContext& hub, HitQueue& queue, std::function<void()> onP
       queue_(queue),
       onProgress_(std::move(onProgress)),
       wayHome_(hub.WayHome()),
+      timer_(hub),
       delay_(kFirstDelay, kLongestDelay) {}
 
 void HitSender::SetCollector(std::optional<Collector> collector) {
   if (collector_ == collector) return;
   collector_ = std::move(collector);
-  EndWait();
+  End();
   delay_.Reset();
   Wake();
 }
@@ -52,13 +53,16 @@ void HitSender::Wake() {
   if (isBusy_ || !collector_.has_value()) return;
   if (const std::optional<HitQueue::Hit> hit = queue_.First()) {
     Post(*hit);
-  } else {
-    onProgress_();
+    return;
   }
+  if (queue_.IsDisturbed()) {
+    WakeAfter(HitQueue::kRetry);
+  }
+  onProgress_();
 }
 
 void HitSender::Post(const HitQueue::Hit& hit) {
-  BeginWait(collector_->timeout + kGrace, [this] { OnFailure({}); });
+  Begin(collector_->timeout + kGrace, [this] { OnFailure({}); });
   const auto onResponse = [wayHome = wayHome_, this, work = work_, place = hit.place](
                               const std::shared_ptr<HttpConnectionInterface>& connection) {
     const Answer answer{connection->GetResponseCode(),
@@ -81,19 +85,23 @@ void HitSender::Post(const HitQueue::Hit& hit) {
 }
 
 // From now on this is what the sender is busy with.
-void HitSender::BeginWait(std::chrono::milliseconds wait, std::function<void()> then) {
-  EndWait();
-  const auto atHome = [this, work = work_, then = std::move(then)] {
-    if (work == work_) then();
-  };
-  ticket_ = hub_.GetClock().CallAfter(wait, [wayHome = wayHome_, atHome] { wayHome(atHome); });
+void HitSender::Begin(std::chrono::milliseconds wait, std::function<void()> then) {
+  End();
+  timer_.Start(wait, std::move(then));
   isBusy_ = true;
 }
 
-void HitSender::EndWait() {
+void HitSender::WakeAfter(std::chrono::milliseconds wait) {
+  Begin(wait, [this] {
+    End();
+    Wake();
+  });
+}
+
+void HitSender::End() {
   ++work_;
   isBusy_ = false;
-  if (ticket_.has_value()) hub_.GetClock().Cancel(*std::exchange(ticket_, std::nullopt));
+  timer_.Stop();
 }
 
 void HitSender::OnAnswer(const HitQueue::Place& place, const Answer& answer) {
@@ -109,7 +117,7 @@ void HitSender::OnAnswer(const HitQueue::Place& place, const Answer& answer) {
 }
 
 void HitSender::OnDone(const HitQueue::Place& place) {
-  EndWait();
+  End();
   delay_.Reset();
   queue_.Remove(place);
   onProgress_();
@@ -122,10 +130,7 @@ void HitSender::OnFailure(const Answer& answer) {
   const std::chrono::milliseconds delay = std::max(delay_.Next(), asked);
   Log::Debug(kLogTag, "a hit was not taken (status %d); the next attempt comes in %lld ms",
              static_cast<int>(answer.status), static_cast<long long>(delay.count()));
-  BeginWait(delay, [this] {
-    EndWait();
-    Wake();
-  });
+  WakeAfter(delay);
 }
 
 }  // namespace Velmora

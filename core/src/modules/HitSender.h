@@ -7,9 +7,9 @@
 #include <optional>
 #include <string>
 
-#include "base/Clock.h"
 #include "hub/HubModule.h"
 #include "modules/HitQueue.h"
+#include "modules/HomeTimer.h"
 #include "modules/RetryDelay.h"
 
 namespace Velmora {
@@ -52,8 +52,9 @@ class HitSender {
   };
 
   void Post(const HitQueue::Hit& hit);
-  void BeginWait(std::chrono::milliseconds wait, std::function<void()> then);
-  void EndWait();
+  void Begin(std::chrono::milliseconds wait, std::function<void()> then);
+  void WakeAfter(std::chrono::milliseconds wait);
+  void End();
   void OnAnswer(const HitQueue::Place& place, const Answer& answer);
   void OnDone(const HitQueue::Place& place);
   void OnFailure(const Answer& answer);
@@ -64,9 +65,9 @@ class HitSender {
   const HubContext::Poster wayHome_;
 
   std::optional<Collector> collector_;
-  std::uint64_t work_ = 0;  // the newest request or wait; what belongs to an older one is ignored
+  std::uint64_t work_ = 0;  // the newest request or wait; the answer to an older one is ignored
   bool isBusy_ = false;     // with a request or a wait
-  std::optional<Clock::Ticket> ticket_;
+  HomeTimer timer_;
   RetryDelay delay_;
   Counts counts_;
 };

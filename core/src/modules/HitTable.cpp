@@ -93,8 +93,10 @@ void HitTable::Remove(std::int64_t number) {
 void HitTable::RemoveAll() { database_->Delete(kTable, "", {}); }
 
 std::size_t HitTable::Count() const {
-  const std::shared_ptr<QueryResultInterface> result = database_->RunQuery(std::make_shared<Query>(
-      kTable, std::vector<std::string>{std::string("SUM(") + kSize + " - " + kDone + ")"}));
+  std::vector<std::string> columns(1);
+  columns[0].append("SUM(").append(kSize).append(" - ").append(kDone).append(")");
+  const std::shared_ptr<QueryResultInterface> result =
+      database_->RunQuery(std::make_shared<Query>(kTable, columns));
   if (result->GetCount() == 0) return 0;
   return static_cast<std::size_t>(std::max<std::int64_t>(NumberOf(result->GetString(0)), 0));
 }

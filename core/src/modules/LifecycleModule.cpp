@@ -31,6 +31,12 @@ void LifecycleModule::Attach(HubContext& hub) {
              [this](const EventPointer& event) { OnRequest(event); });
 }
 
+void LifecycleModule::End() {
+  if (!std::exchange(isStarted_, false)) return;
+  record_->Pause(Now());
+  SaveRecord();
+}
+
 void LifecycleModule::OnRequest(const EventPointer& event) {
   const std::string phase = ValueReader(*event).Text(EventKeys::kPhase).value_or("");
   if (phase == Phases::kStart) {

@@ -17,13 +17,15 @@ namespace Velmora {
 // itself, what is known of the installation and its sessions, and what the app gave with its last
 // start, which wins. A launch is tracked as the action "lifecycle" with the same context data.
 //
-// What makes a launch stands in LifecycleRecord. An app that ended without a pause has crashed.
+// What makes a launch stands in LifecycleRecord. An app that ended neither with a pause nor in good
+// order has crashed.
 class LifecycleModule final : public HubModule {
  public:
   LifecycleModule();
 
   std::string GetName() const override;
   void Attach(HubContext& hub) override;
+  void End() override;
 
  private:
   using EventPointer = std::shared_ptr<Event>;

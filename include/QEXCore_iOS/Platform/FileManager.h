@@ -41,10 +41,6 @@ class QEXCORE_API FileManager {
   // What lies at `path`: Missing also where it cannot be reached.
   virtual FileType TypeOfItem(const std::string& path) const = 0;
 
-  // True when both paths lead to one and the same item, by whatever links; false when either is
-  // missing.
-  virtual bool IsSameItem(const std::string& path, const std::string& other) const = 0;
-
   virtual bool IsWritable(const std::string& path) const = 0;
 
   // Makes the directory and every missing parent. Succeeds when it is already there.
@@ -68,9 +64,6 @@ class QEXCORE_API FileManager {
   // as much as a response may bring.
   virtual std::optional<std::string> ReadText(const std::string& path, Error* error) const = 0;
 
-  // Makes an empty file, or empties the one that is there.
-  virtual bool CreateFile(const std::string& path) = 0;
-
   // Writes a file of exactly these bytes, in the place of what is there. Whoever reads the path
   // meanwhile, also after a kill or a power cut, finds the former file or the new one, whole.
   virtual bool WriteFile(const std::string& path, std::string_view bytes, Error* error) = 0;
@@ -78,9 +71,11 @@ class QEXCORE_API FileManager {
   // Null when the file cannot be opened.
   virtual std::unique_ptr<FileHandle> OpenForReading(const std::string& path) = 0;
 
-  // Opens an existing file, leaving its contents, with the offset at its start. Null when the file
-  // is missing or cannot be opened.
-  virtual std::unique_ptr<FileHandle> OpenForWriting(const std::string& path) = 0;
+  // Makes an empty file, or empties the one that is there, and opens it. Null when that cannot be;
+  // also, with nothing changed, when `path` leads, by whatever links, to the file at `spared`. An
+  // empty `spared` names no file.
+  virtual std::unique_ptr<FileHandle> OpenForWriting(const std::string& path,
+                                                     const std::string& spared) = 0;
 
   // The user's directory for files that can be made again. Not created here; empty when the
   // platform names none.

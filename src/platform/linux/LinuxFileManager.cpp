@@ -135,6 +135,20 @@ int ReadAll(const FileDescriptor& file, std::size_t limit, std::string& text) {
   return 0;
 }
 
+bool AreSame(const struct stat& one, const struct stat& other) {
+  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+// Empties a file that was there before; false when it is the one at `spared`.
+bool Empty(const FileDescriptor& file, const std::string& spared) {
+  struct stat status {};
+  if (::fstat(file.Number(), &status) != 0) return false;
+  if (!S_ISREG(status.st_mode)) return true;
+  const auto other = spared.empty() ? std::nullopt : StatusOf(spared);
+  if (other && AreSame(status, *other)) return false;
+  return ::ftruncate(file.Number(), 0) == 0;
+}
+
 bool IsNameOfOneFolder(std::string_view name) {
   return !name.empty() && name.size() <= NAME_MAX && name != "." && name != ".." &&
          name.find('/') == std::string_view::npos && name.find('\0') == std::string_view::npos;
@@ -163,13 +177,6 @@ FileType LinuxFileManager::TypeOfItem(const std::string& path) const {
   if (FaultOfPath(path) != 0) return FileType::Missing;
   std::error_code error;
   return TypeOf(fs::status(path, error).type());
-}
-
-bool LinuxFileManager::IsSameItem(const std::string& path, const std::string& other) const {
-  const auto one = StatusOf(path);
-  if (!one) return false;
-  const auto two = StatusOf(other);
-  return two && one->st_dev == two->st_dev && one->st_ino == two->st_ino;
 }
 
 bool LinuxFileManager::IsWritable(const std::string& path) const {
@@ -240,10 +247,6 @@ std::optional<std::string> LinuxFileManager::ReadText(const std::string& path, E
   return std::nullopt;
 }
 
-bool LinuxFileManager::CreateFile(const std::string& path) {
-  return Open(path, O_WRONLY | O_CREAT | O_TRUNC).IsOpen();
-}
-
 bool LinuxFileManager::WriteFile(const std::string& path, std::string_view bytes, Error* error) {
   int failure = FaultOfPath(path);
   if (failure == 0) failure = ReplaceFile(path, bytes);
@@ -258,8 +261,14 @@ std::unique_ptr<FileHandle> LinuxFileManager::OpenForReading(const std::string& 
   return std::make_unique<LinuxFileHandle>(std::move(file), path);
 }
 
-std::unique_ptr<FileHandle> LinuxFileManager::OpenForWriting(const std::string& path) {
-  FileDescriptor file = Open(path, O_WRONLY);
+std::unique_ptr<FileHandle> LinuxFileManager::OpenForWriting(const std::string& path,
+                                                             const std::string& spared) {
+  // Most files are new, and then nothing has to be looked at.
+  FileDescriptor file = Open(path, O_WRONLY | O_CREAT | O_EXCL);
+  if (!file.IsOpen() && errno == EEXIST) {
+    file = Open(path, O_WRONLY | O_CREAT);
+    if (file.IsOpen() && !Empty(file, spared)) return nullptr;
+  }
   if (!file.IsOpen()) return nullptr;
   return std::make_unique<LinuxFileHandle>(std::move(file), path);
 }

@@ -15,7 +15,6 @@ class LinuxFileManager : public FileManager {
  public:
   std::string CurrentDirectoryPath() const override;
   FileType TypeOfItem(const std::string& path) const override;
-  bool IsSameItem(const std::string& path, const std::string& other) const override;
   bool IsWritable(const std::string& path) const override;
   bool CreateDirectory(const std::string& path, Error* error) override;
 
@@ -27,10 +26,10 @@ class LinuxFileManager : public FileManager {
                                                   Error* error) const override;
   std::optional<FileAttributes> AttributesOfItem(const std::string& path) const override;
   std::optional<std::string> ReadText(const std::string& path, Error* error) const override;
-  bool CreateFile(const std::string& path) override;
   bool WriteFile(const std::string& path, std::string_view bytes, Error* error) override;
   std::unique_ptr<FileHandle> OpenForReading(const std::string& path) override;
-  std::unique_ptr<FileHandle> OpenForWriting(const std::string& path) override;
+  std::unique_ptr<FileHandle> OpenForWriting(const std::string& path,
+                                             const std::string& spared) override;
 
   // A folder named after the running program in the user's cache directory.
   std::string CachesDirectory() const override;

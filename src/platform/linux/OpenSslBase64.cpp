@@ -59,7 +59,7 @@ std::optional<std::string> OpenSslBase64::Decode(std::string_view text) const {
     text.remove_prefix(piece.size());
   }
   // The library writes a zero byte for each "=".
-  bytes.resize(bytes.size() - padding);
+  bytes.erase(bytes.size() - padding);
   return bytes;
 }
 

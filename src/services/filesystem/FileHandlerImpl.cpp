@@ -53,10 +53,13 @@ bool FileHandlerImpl::OpenForReading() {
   return handle_ != nullptr;
 }
 
-bool FileHandlerImpl::OpenForWriting() {
-  if (!FileManager()->CreateFile(path_)) return false;
-  handle_ = FileManager()->OpenForWriting(path_);
-  return handle_ != nullptr;
+bool FileHandlerImpl::OpenForWriting() { return OpenForWritingUnless({}); }
+
+bool FileHandlerImpl::OpenForWritingUnless(const std::string& spared) {
+  auto handle = FileManager()->OpenForWriting(path_, spared);
+  if (!handle) return false;
+  handle_ = std::move(handle);
+  return true;
 }
 
 bool FileHandlerImpl::MoveToOffset(std::uint64_t offset) {

@@ -25,6 +25,10 @@ class FileHandlerImpl : public Object, public virtual FileHandlerInterface {
   std::uint32_t Read(std::uint32_t count, std::uint8_t* buffer) override;
   bool Close() override;
 
+  // The same as OpenForWriting, but false, with nothing changed, when this is the file at `spared`,
+  // whatever the links that lead to it.
+  bool OpenForWritingUnless(const std::string& spared);
+
  private:
   const std::string path_;
   std::unique_ptr<Platform::FileHandle> handle_;  // null while no file is open

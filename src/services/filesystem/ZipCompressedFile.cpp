@@ -2,8 +2,7 @@
 
 #include <array>
 
-#include "QEXCore_iOS/Platform/Host.h"
-#include "services/filesystem/PathText.h"
+#include "services/filesystem/FileHandlerImpl.h"
 #include "services/filesystem/ZipDescriptions.h"
 #include "services/filesystem/ZipErrors.h"
 
@@ -106,12 +105,9 @@ void ZipCompressedFile::CompareHeaders() const {
 
 std::shared_ptr<FileHandlerInterface> ZipCompressedFile::OpenOutput(
     DirectoryHandlerInterface& directory) const {
-  const auto file = directory.CreateFileHandlerInDirectory(Name());
-  const auto isArchive = [&] {
-    return Platform::Host::Current()->fileManager->IsSameItem(
-        PathText::Below(directory.GetPath(), Name()), archivePath_);
-  };
-  if (!file || isArchive() || !file->OpenForWriting()) throw ZipErrors::CannotWrite(Name());
+  const auto file =
+      std::dynamic_pointer_cast<FileHandlerImpl>(directory.CreateFileHandlerInDirectory(Name()));
+  if (!file || !file->OpenForWritingUnless(archivePath_)) throw ZipErrors::CannotWrite(Name());
   return file;
 }
 

@@ -83,7 +83,7 @@ int Track(const std::string& url, const std::string& path, const std::string& pr
   for (std::size_t count = 0; true; ++count) {
     QEXCore::trackAction(prefix + "-" + std::to_string(count), {});
     // So that there are single hits and rushes of them.
-    constexpr std::size_t kAhead = 20;
+    constexpr std::size_t kAhead = 8;
     while (count % 4 == 0 && scribe->Count() + kAhead < count) Pause();
   }
 }

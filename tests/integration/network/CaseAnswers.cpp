@@ -101,7 +101,7 @@ void CaseAnswers::AnswerLive(const std::string& name, const WireRequest& request
   } else if (name == "drip") {
     connection.Send("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n");
     for (const char* byte = "0123456789"; *byte != '\0'; ++byte) {
-      if (!connection.Send({byte, 1}) || !connection.Pause(150ms)) return;
+      if (!connection.Send({byte, 1}) || !connection.Pause(320ms)) return;
     }
   } else if (name == "hang") {
     ++hanging_;

@@ -178,17 +178,22 @@ TEST_F(FileHandlerImplTest, AFileThatCannotBeMadeLeavesOpenWhatWasOpen) {
   WriteFile("file", "abc");
   const auto handler = HandlerOf("file");
   ASSERT_TRUE(handler->OpenForReading());
-  host_.fileManager->Fail(FileFault::CreateFile);
+  host_.fileManager->Fail(FileFault::OpenForWriting);
   EXPECT_FALSE(handler->OpenForWriting());
   EXPECT_EQ(Read(*handler, 3), "abc");
 }
 
-TEST_F(FileHandlerImplTest, AFileThatCannotBeOpenedForWritingLeavesNothingOpen) {
-  const auto handler = HandlerOf("file");
-  host_.fileManager->Fail(FileFault::OpenForWriting);
-  EXPECT_FALSE(handler->OpenForWriting());
-  EXPECT_FALSE(handler->Close());
-  EXPECT_TRUE(Exists(PathOf("file")));
+TEST_F(FileHandlerImplTest, SparesAFileThatItMustNotEmpty) {
+  WriteFile("spared", "abc");
+  std::filesystem::create_symlink("spared", PathOf("link"));
+  Velmora::FileHandlerImpl link(PathOf("link"));
+  EXPECT_FALSE(link.OpenForWritingUnless(PathOf("spared")));
+  EXPECT_FALSE(link.Close());
+  EXPECT_EQ(ReadFileBytes(PathOf("spared")), "abc");
+  Velmora::FileHandlerImpl other(PathOf("other"));
+  EXPECT_TRUE(other.OpenForWritingUnless(PathOf("spared")));
+  EXPECT_EQ(Write(other, "abc"), 3U);
+  EXPECT_TRUE(other.Close());
 }
 
 TEST_F(FileHandlerImplTest, TellsHowMuchWasWrittenWhenTheDiskIsFull) {

@@ -137,8 +137,9 @@ class LinuxFileManagerWithoutPermission : public testing::Test {
 TEST_F(LinuxFileManagerWithoutPermission, CanWriteNothing) {
   EXPECT_FALSE(AsStranger([&] { return LinuxFileManager().IsWritable(folder_.PathOf("locked")); }));
   EXPECT_FALSE(AsStranger([&] { return LinuxFileManager().IsWritable(readable_); }));
-  EXPECT_FALSE(AsStranger([&] { return LinuxFileManager().CreateFile(readable_); }));
-  EXPECT_FALSE(AsStranger([&] { return LinuxFileManager().OpenForWriting(readable_) != nullptr; }));
+  for (const std::string& path : {readable_, folder_.PathOf("locked/new")}) {
+    EXPECT_TRUE(AsStranger([&] { return LinuxFileManager().OpenForWriting(path, "") == nullptr; }));
+  }
 }
 
 TEST_F(LinuxFileManagerWithoutPermission, ReadsOnlyWhatItMay) {
@@ -189,7 +190,7 @@ TEST(LinuxFileManager, HidesWhatItOpensForOneOperationFromChildProcesses) {
   const std::vector<std::pair<const char*, std::function<void()>>> operations = {
       {"list", [&] { manager.ContentsOfDirectory(folder.PathOf("many"), nullptr); }},
       {"read", [&] { manager.ReadText(path, nullptr); }},
-      {"create", [&] { manager.CreateFile(folder.PathOf("new")); }},
+      {"create", [&] { manager.OpenForWriting(folder.PathOf("new"), ""); }},
       {"write", [&] { manager.WriteFile(folder.PathOf("written"), "contents", nullptr); }}};
   for (const auto& [name, work] : operations) {
     const auto& operation = work;  // clang 14 lets no lambda have the binding itself

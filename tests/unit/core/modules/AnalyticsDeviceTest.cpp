@@ -3,6 +3,7 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -146,8 +147,9 @@ TEST_F(AnalyticsDeviceTest, IgnoresLimitsThatAreNoNumbers) {
         std::string("the member \"") + key + "\" of the configuration is no number and is ignored");
     Configure(key, Variant::FromString("many"));
   }
-  log.ExpectLine(LogLevel::Warning, "Analytics",
-                 "the member \"analytics.collector\" of the configuration is no text and is ignored");
+  log.ExpectLine(
+      LogLevel::Warning, "Analytics",
+      "the member \"analytics.collector\" of the configuration is no text and is ignored");
   Configure("analytics.collector", Variant::FromLong(1));
   TrackAll({"kept"});
   EXPECT_THAT(Numbers(), ElementsAre(1, 0, 0));
@@ -206,6 +208,75 @@ TEST_F(AnalyticsDeviceTest, BringsHitsIntoTheDatabaseOnceItCanBeUsed) {
   Send();
   ASSERT_TRUE(WaitForNumbers({0, 4, 0}));
   EXPECT_THAT(Posted(), ElementsAre("one", "two", "three", "four"));
+}
+
+TEST_F(AnalyticsDeviceTest, LosesNoHitWhicheverCallOfItsDatabaseFails) {
+  using TestSupport::SqliteFault;
+  log.AllowLines(LogLevel::Debug, "MockDatabaseService", testing::_);
+  log.AllowLines(LogLevel::Error, "DatabaseService", HasSubstr("failed to open"));
+  log.AllowLines(LogLevel::Warning, "Analytics", HasSubstr("cannot be used"));
+  StartCore();
+  std::vector<std::string> tracked;
+  for (const SqliteFault fault :
+       {SqliteFault::Error, SqliteFault::Busy, SqliteFault::DiskFull, SqliteFault::ShortWrite}) {
+    std::size_t failed = 1;
+    for (std::size_t number = 1; failed > 0; ++number) {
+      vfs.FailCall(number, fault, TestSupport::FaultySqliteVfs::Duration::FromThenOn);
+      const std::string name = std::to_string(tracked.size());
+      TrackAll({"first " + name, "second " + name});
+      tracked.insert(tracked.end(), {"first " + name, "second " + name});
+      failed = vfs.FailedCalls();
+      vfs.Heal();
+      clock->Advance(1min);
+      // Brings into the database what waits in memory.
+      EXPECT_THAT(Numbers().at(0), testing::Ge(tracked.size()));
+    }
+  }
+  EXPECT_GT(tracked.size(), 100U) << "too few calls have failed";
+  Restart();
+  Send();
+  ASSERT_TRUE(TestSupport::WaitUntil([&] { return Numbers().at(0) == 0; }));
+  // A row that was written although that was said to have failed comes twice, under the same ids.
+  std::vector<std::string> actions;
+  std::set<std::string> ids;
+  const std::vector<std::string> posted = Posted();
+  const std::vector<std::string> postedIds = Posted(EventKeys::kHitId);
+  for (std::size_t index = 0; index < posted.size(); ++index) {
+    if (ids.insert(postedIds.at(index)).second) actions.push_back(posted.at(index));
+  }
+  EXPECT_EQ(actions, tracked);
+}
+
+TEST_F(AnalyticsDeviceTest, SendsEveryHitWhicheverCallOfItsDatabaseFails) {
+  log.AllowLines(LogLevel::Debug, "MockDatabaseService", testing::_);
+  log.AllowLines(LogLevel::Warning, "Analytics", HasSubstr("cannot be used"));
+  StartCore();
+  UseCollector();
+  std::set<std::string> tracked;
+  std::size_t failed = 1;
+  for (std::size_t number = 1; failed > 0; ++number) {
+    core->SetPrivacyStatus(MobilePrivacyStatus::Unknown);
+    const std::string name = std::to_string(number);
+    TrackAll({"first " + name, "second " + name});
+    tracked.insert({"first " + name, "second " + name});
+    vfs.FailCall(number, TestSupport::SqliteFault::Error,
+                 TestSupport::FaultySqliteVfs::Duration::FromThenOn);
+    core->SetPrivacyStatus(MobilePrivacyStatus::OptedIn);
+    // Until the sender has nothing more to do, or waits for the database.
+    ASSERT_TRUE(TestSupport::WaitUntil([&] {
+      return Numbers().at(0) == 0 &&
+             (clock->Waits().empty() ||
+              clock->Waits() == std::vector<std::chrono::milliseconds>{1min});
+    }));
+    failed = vfs.FailedCalls();
+    vfs.Heal();
+    clock->Advance(1min);
+    ASSERT_TRUE(
+        TestSupport::WaitUntil([&] { return Numbers().at(0) == 0 && clock->Waits().empty(); }));
+  }
+  EXPECT_GT(tracked.size(), 40U) << "too few calls have failed";
+  const std::vector<std::string> posted = Posted();
+  EXPECT_EQ(std::set<std::string>(posted.begin(), posted.end()), tracked);
 }
 
 TEST_F(AnalyticsDeviceTest, TriesTheDatabaseOnceMoreBeforeTheEnd) {

@@ -8,10 +8,12 @@
 #include <utility>
 #include <vector>
 
+#include "support/FaultySqliteVfs.h"
 #include "support/Guarded.h"
 #include "unit/core/hub/CoreFixture.h"
 
-// A core whose hits go to a collector of the test's choice.
+// A core whose hits go to a collector of the test's choice, and whose database does not wait for
+// the disk.
 class AnalyticsFixture : public CoreFixture {
  protected:
   using Answer = TestSupport::FakeUrlSession::Answer;
@@ -20,6 +22,11 @@ class AnalyticsFixture : public CoreFixture {
   static constexpr const char* kCollector = "https://collector.test/hits";
 
   AnalyticsFixture() { AnswerWith(Session::Respond(200)); }
+  ~AnalyticsFixture() override {
+    // Closes the database before its file system goes.
+    core = nullptr;
+    services->database = nullptr;
+  }
 
   void AnswerWith(const Answer& answer) {
     host.urlSession->SetServer([answer](const Platform::UrlRequest&) { return answer; });
@@ -84,4 +91,6 @@ class AnalyticsFixture : public CoreFixture {
   bool WaitForNumbers(const std::vector<std::int64_t>& expected) {
     return TestSupport::WaitUntil([&] { return Numbers() == expected; });
   }
+
+  TestSupport::FaultySqliteVfs vfs;
 };

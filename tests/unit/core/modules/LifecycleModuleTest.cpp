@@ -141,13 +141,30 @@ TEST_F(LifecycleModuleTest, TakesTheTimeoutFromTheConfiguration) {
 TEST_F(LifecycleModuleTest, AnEndWithoutAPauseWasACrash) {
   StartCore();
   Start();
-  Restart();
+  const bool hasClosedWell = Store()->GetBoolean("SuccessfulClose", true);
+  const std::int64_t pauseDate = Store()->GetLong("PauseDate", -1);
+  Finish();
+  // As it would be without an end in good order.
+  Store()->SetBoolean("SuccessfulClose", hasClosedWell);
+  Store()->SetLong("PauseDate", pauseDate);
+  StartCore();
   EXPECT_THAT(Start(), AllOf(IsLaunch(), Contains(Pair("crash", "true")),
                              Not(Contains(Key("previousSessionLength")))));
   Pause();
   clock->Advance(1h);
   Restart();
   EXPECT_THAT(Start(), AllOf(IsLaunch(), Not(Contains(Key("crash")))));
+}
+
+TEST_F(LifecycleModuleTest, AnEndInGoodOrderIsAPause) {
+  StartCore();
+  Start();
+  clock->Advance(20s);
+  Finish();
+  clock->Advance(1h);
+  StartCore();
+  EXPECT_THAT(Start(), AllOf(IsLaunch(), Not(Contains(Key("crash"))),
+                             Contains(Pair("previousSessionLength", "20"))));
 }
 
 TEST_F(LifecycleModuleTest, AnotherVersionIsAnUpgradeAndALaunch) {

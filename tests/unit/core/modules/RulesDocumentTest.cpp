@@ -17,7 +17,7 @@ using testing::SizeIs;
 class RulesDocumentTest : public JsonFixture {
  protected:
   static std::string Read(const std::string& path) {
-    return TestSupport::ReadFileBytes(std::string(QEXCORE_SOURCE_FOLDER) + "/" + path);
+    return TestSupport::ReadFileBytes(QEXCORE_SOURCE_FOLDER "/" + path);
   }
 
   static std::vector<std::string> Examples(const std::string& document) {

@@ -310,9 +310,12 @@ TEST_F(RulesDownloadTest, WhereverWritingStopsTheOldRulesServeWholeUntilTheNewOn
 
 TEST_F(RulesDownloadTest, WithoutADataStoreRulesServeButAreNotRemembered) {
   services->localStorage = nullptr;
-  log.AllowLines(LogLevel::Warning, "Configuration", testing::_);
+  for (const char* other : {"Analytics", "Configuration", "Identity", "Lifecycle"}) {
+    log.AllowLines(LogLevel::Warning, other, HasSubstr("no data store"));
+  }
   log.ExpectLine(LogLevel::Warning, "Rules",
                  "the rules will not be remembered: there is no data store that works");
+  log.AllowLines(LogLevel::Warning, "Identity", testing::HasSubstr("no data store"));
   StartCore();
   Install(Archive(RuleThen("a", kOpen, R"("once": true, )")));
   Visit();
