@@ -37,7 +37,7 @@ TEST_F(LifeOnScreen, TellsOfTheBackgroundWhenItsWindowIsMinimizedAndOfItsReturn)
   TestSupport::Restore(window);
   EXPECT_TRUE(Until([this] { return calls.size() == 2; }));
   EXPECT_EQ(service->GetAppState(), AppState::Foreground);
-  EXPECT_EQ(State(), ApplicationState::Active);
+  EXPECT_TRUE(Until([] { return State() == ApplicationState::Active; }));
   EXPECT_THAT(calls, ElementsAre("app background", "app foreground"));
 }
 
@@ -130,7 +130,7 @@ TEST_F(LaunchOnScreen, IsOneIntoTheBackgroundWhenNothingIsSeen) {
   EXPECT_TRUE(Until([this] { return calls.size() == 2; }));
   EXPECT_THAT(calls, ElementsAre(Platform::kDidFinishLaunchingNotification,
                                  Platform::kWillEnterForegroundNotification));
-  EXPECT_EQ(life.State(), ApplicationState::Active);
+  EXPECT_TRUE(Until([&] { return life.State() == ApplicationState::Active; }));
 }
 
 }  // namespace

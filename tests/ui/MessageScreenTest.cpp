@@ -121,7 +121,7 @@ TEST_F(MessageOnScreen, LeavesTheHeaderBarFree) {
   EXPECT_EQ(ContentHeight(), height);
   EXPECT_EQ(gtk_widget_get_height(WebView()), height);
   Remove(message);
-  EXPECT_EQ(ContentHeight(), height);
+  EXPECT_TRUE(Until([&] { return ContentHeight() == height; }));
 }
 
 TEST_F(MessageOnScreen, StaysWhenTheApplicationPutsOtherContentIntoItsWindow) {
