@@ -20,9 +20,10 @@ namespace Gtk {
 // launch once its loop runs, the background when for a moment none of its windows, dialogs
 // included, has been active, the foreground when one is again.
 //
-// When the user clicks a notification, a window is presented, and then
-// `options.notificationOpened` is called. Where no display can be opened, one line on the system
-// log says so, and the host is the one of Platform::Host::CreateDefault(options).
+// When the user clicks a notification, a window is presented, or the application activated when it
+// has none, and then `options.notificationOpened` is called. Where no display can be opened, one
+// line on the system log says so, and the host is the one of
+// Platform::Host::CreateDefault(options).
 QEXCORE_API Platform::Host CreateHost(
     GtkApplication* application, const Platform::HostOptions& options = Platform::HostOptions());
 

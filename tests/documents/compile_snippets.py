@@ -17,10 +17,16 @@ FOLDERS = (root / "include", root / "core/include")
 SNIPPETS = pathlib.Path(__file__).parent / "snippets"
 
 
+def gtk_folders():
+    """Where GTK's headers are, which pieces about the screen include; none where it is missing."""
+    asked = subprocess.run(["pkg-config", "--cflags-only-I", "gtk4"], capture_output=True, text=True,
+                           check=False)
+    return [flag.replace("-I", "-isystem", 1) for flag in asked.stdout.split()]
+
+
 def surroundings(document):
     headers = [f"#include <{header.relative_to(folder).as_posix()}>"
-               for folder in FOLDERS for header in sorted(folder.rglob("*.h"))
-               if "Gtk" not in header.parts]
+               for folder in FOLDERS for header in sorted(folder.rglob("*.h"))]
     own = SNIPPETS / f"{document.stem}.h"
     return headers + ([f'#include "{own}"'] if own.exists() else [])
 
@@ -34,7 +40,7 @@ def program(document, code):
 def compiles(document, number, code):
     source = work / f"{document.stem}_{number}.cpp"
     source.write_text(program(document, code), "utf-8")
-    includes = [f"-I{folder}" for folder in FOLDERS]
+    includes = [f"-I{folder}" for folder in FOLDERS] + gtk_folders()
     return subprocess.run([compiler, *FLAGS, *includes, source], check=False).returncode == 0
 
 

@@ -6,33 +6,13 @@
 
 namespace TestSupport {
 
-class FakeUi::Watch final : public Platform::RotationWatch {
- public:
-  Watch(std::shared_ptr<Watches> watches, std::function<void()> rotated)
-      : watches_(std::move(watches)),
-        rotated_(std::make_shared<const std::function<void()>>(std::move(rotated))) {
-    watches_->push_back(rotated_);
-  }
-  ~Watch() override { std::erase(*watches_, rotated_); }
-  Watch(const Watch&) = delete;
-  Watch& operator=(const Watch&) = delete;
-
- private:
-  const std::shared_ptr<Watches> watches_;
-  const std::shared_ptr<const std::function<void()>> rotated_;
-};
-
-FakeUi::FakeUi(std::shared_ptr<Platform::MainQueue> mainQueue)
-    : mainQueue_(std::move(mainQueue)), watches_(std::make_shared<Watches>()) {}
+FakeUi::FakeUi(std::shared_ptr<Platform::MainQueue> mainQueue) : mainQueue_(std::move(mainQueue)) {}
 
 FakeUi::~FakeUi() = default;
 
-void FakeUi::Rotate() {
-  const Watches watches = *watches_;
-  for (const auto& rotated : watches) (*rotated)();
-}
+void FakeUi::Rotate() { watches_.Tell(); }
 
-std::size_t FakeUi::RotationWatchCount() const { return watches_->size(); }
+std::size_t FakeUi::RotationWatchCount() const { return watches_.Count(); }
 
 std::shared_ptr<Platform::AlertController> FakeUi::CreateAlertController(
     const std::optional<std::string>& title, const std::optional<std::string>& message) {
@@ -77,7 +57,7 @@ void FakeUi::Animate(std::chrono::milliseconds duration, const std::function<voi
 }
 
 std::unique_ptr<Platform::RotationWatch> FakeUi::WatchRotation(std::function<void()> rotated) {
-  return std::make_unique<Watch>(watches_, std::move(rotated));
+  return watches_.Add(std::move(rotated));
 }
 
 void FakeUi::FailIfToldTo() const {

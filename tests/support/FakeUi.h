@@ -6,6 +6,7 @@
 
 #include "QEXCore_iOS/Platform/MainQueue.h"
 #include "QEXCore_iOS/Platform/Ui.h"
+#include "platform/gtk/RotationWatches.h"
 #include "support/FakeAlerts.h"
 #include "support/FakeViews.h"
 
@@ -51,13 +52,10 @@ class FakeUi final : public Platform::Ui {
   std::unique_ptr<Platform::RotationWatch> WatchRotation(std::function<void()> rotated) override;
 
  private:
-  class Watch;
-  using Watches = std::vector<std::shared_ptr<const std::function<void()>>>;
-
   void FailIfToldTo() const;
 
   const std::shared_ptr<Platform::MainQueue> mainQueue_;
-  const std::shared_ptr<Watches> watches_;
+  Platform::RotationWatches watches_;
 };
 
 }  // namespace TestSupport

@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 
 #include "QEXCore_iOS/Platform/Host.h"
+#include "platform/gtk/Gtk4Life.h"
+#include "platform/headless/InProcessNotificationCenter.h"
 #include "ui/ScreenFixture.h"
 
 namespace {
@@ -35,7 +37,7 @@ TEST_F(LifeOnScreen, TellsOfTheBackgroundWhenItsWindowIsMinimizedAndOfItsReturn)
   TestSupport::Restore(window);
   EXPECT_TRUE(Until([this] { return calls.size() == 2; }));
   EXPECT_EQ(service->GetAppState(), AppState::Foreground);
-  EXPECT_EQ(State(), ApplicationState::Active);
+  EXPECT_TRUE(Until([] { return State() == ApplicationState::Active; }));
   EXPECT_THAT(calls, ElementsAre("app background", "app foreground"));
 }
 
@@ -81,6 +83,54 @@ TEST_F(LifeOnScreen, TakesAnotherWindowOfItsOwnForNoBackground) {
   ASSERT_TRUE(Until([this] { return IsActive(); }));
   TestSupport::LetPass(std::chrono::milliseconds(300));
   EXPECT_THAT(calls, IsEmpty());
+}
+
+// The beginning of an application's life, of which a process has one.
+class LaunchOnScreen : public TestSupport::ScreenFixture {
+ protected:
+  LaunchOnScreen() {
+    for (const char* name :
+         {Platform::kDidFinishLaunchingNotification, Platform::kDidEnterBackgroundNotification,
+          Platform::kWillEnterForegroundNotification}) {
+      observations.push_back(center->AddObserver(
+          name, [this](const Platform::Notification& notice) { calls.push_back(notice.name); }));
+    }
+  }
+
+  const std::shared_ptr<Platform::InProcessNotificationCenter> center =
+      std::make_shared<Platform::InProcessNotificationCenter>();
+  std::vector<std::unique_ptr<Platform::NotificationObservation>> observations;
+};
+
+TEST_F(LaunchOnScreen, IsToldOnceTheLoopTurns) {
+  const Platform::Gtk4Life life(screen.application, center);
+  EXPECT_THAT(calls, IsEmpty());
+  EXPECT_TRUE(Until([this] { return !calls.empty(); }));
+  EXPECT_THAT(calls, ElementsAre(Platform::kDidFinishLaunchingNotification));
+  EXPECT_EQ(life.State(), ApplicationState::Active);
+}
+
+TEST_F(LaunchOnScreen, IsNotToldBeforeTheApplicationHasStarted) {
+  const Platform::GObjectPointer<GtkApplication> other(
+      gtk_application_new("com.example.Later", G_APPLICATION_NON_UNIQUE));
+  const Platform::Gtk4Life life(other.get(), center);
+  TestSupport::LetPass(std::chrono::milliseconds(50));
+  EXPECT_THAT(calls, IsEmpty());
+  g_application_register(G_APPLICATION(other.get()), nullptr, nullptr);
+  EXPECT_TRUE(Until([this] { return !calls.empty(); }));
+  EXPECT_THAT(calls, ElementsAre(Platform::kDidFinishLaunchingNotification));
+}
+
+TEST_F(LaunchOnScreen, IsOneIntoTheBackgroundWhenNothingIsSeen) {
+  gtk_widget_set_visible(GTK_WIDGET(window), FALSE);
+  const Platform::Gtk4Life life(screen.application, center);
+  EXPECT_TRUE(Until([this] { return !calls.empty(); }));
+  EXPECT_EQ(life.State(), ApplicationState::Background);
+  gtk_window_present(window);
+  EXPECT_TRUE(Until([this] { return calls.size() == 2; }));
+  EXPECT_THAT(calls, ElementsAre(Platform::kDidFinishLaunchingNotification,
+                                 Platform::kWillEnterForegroundNotification));
+  EXPECT_TRUE(Until([&] { return life.State() == ApplicationState::Active; }));
 }
 
 }  // namespace

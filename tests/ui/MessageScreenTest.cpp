@@ -83,15 +83,6 @@ TEST_F(MessageOnScreen, LeavesTheFocusWhereItWas) {
   EXPECT_TRUE(UntilEntered("abcdef"));
 }
 
-TEST_F(MessageOnScreen, LeavesTheSelectionAsItWas) {
-  gtk_editable_set_text(GTK_EDITABLE(entry), "size m");
-  gtk_editable_select_region(GTK_EDITABLE(entry), 5, 6);
-  const auto message = Show(BluePage());
-  TestSupport::TypeText("l");
-  EXPECT_TRUE(UntilEntered("size l"));
-  Remove(message);
-}
-
 TEST_F(MessageOnScreen, TakesTheClicksWhileItIsThere) {
   const auto message = Show(BluePage());
   TestSupport::Click(button);
@@ -112,6 +103,25 @@ TEST_F(MessageOnScreen, FitsTheWindowWhenThatIsResizedOrTurned) {
   EXPECT_EQ(gtk_widget_get_width(WebView()), 700);
   EXPECT_EQ(gtk_widget_get_height(WebView()), 420);
   Remove(message);
+}
+
+TEST_F(MessageOnScreen, LeavesTheHeaderBarFree) {
+  auto* other = GTK_WINDOW(gtk_application_window_new(screen.application));
+  gtk_window_set_titlebar(other, gtk_header_bar_new());
+  gtk_window_set_default_size(other, 400, 500);
+  content = gtk_label_new("Content");
+  gtk_window_set_child(other, content);
+  gtk_window_present(other);
+  gtk_window_destroy(window);
+  window = other;
+  ASSERT_TRUE(Until([this] { return IsActive() && ContentHeight() > 0; }));
+  const int height = ContentHeight();
+  const auto message = Show(BluePage());
+  TestSupport::Photograph("message-below-header-bar");
+  EXPECT_EQ(ContentHeight(), height);
+  EXPECT_EQ(gtk_widget_get_height(WebView()), height);
+  Remove(message);
+  EXPECT_TRUE(Until([&] { return ContentHeight() == height; }));
 }
 
 TEST_F(MessageOnScreen, StaysWhenTheApplicationPutsOtherContentIntoItsWindow) {

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include "QEXCore_gtk/Gtk.h"
+#include "platform/linux/GlibPointers.h"
 #include "support/FakeNotificationDaemon.h"
 #include "ui/ScreenFixture.h"
 
@@ -85,6 +86,22 @@ TEST_F(NotificationOnScreen, BringsTheApplicationBackAndHandsItsInformationOver)
   daemon.Invoke(daemon.AllShown().back().id, "default");
   EXPECT_TRUE(Until([&] { return opened.has_value() && IsActive(); }));
   EXPECT_EQ(opened->Get("krv_deeplink").AsString(), "shop://orders/7");
+}
+
+TEST_F(NotificationOnScreen, ActivatesAnApplicationThatHasNoWindow) {
+  int activations = 0;
+  const Platform::GObjectPointer<GtkApplication> other(
+      gtk_application_new("com.example.WithoutWindows", G_APPLICATION_NON_UNIQUE));
+  g_application_register(G_APPLICATION(other.get()), nullptr, nullptr);
+  g_signal_connect(other.get(), "activate", G_CALLBACK(+[](GtkApplication*, gpointer count) {
+                     ++*static_cast<int*>(count);
+                   }),
+                   &activations);
+  const auto host = Gtk::CreateHost(other.get());
+  host.userNotificationCenter->Add(Request("activate", 0));
+  ASSERT_TRUE(UntilShown(1));
+  daemon.Invoke(daemon.AllShown().back().id, "default");
+  EXPECT_TRUE(Until([&] { return activations == 1; }));
 }
 
 }  // namespace

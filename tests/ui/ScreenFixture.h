@@ -51,7 +51,10 @@ class ScreenFixture : public testing::Test {
 
   // Until the application's entry holds that text.
   bool UntilEntered(const std::string& text) {
-    return Until([&] { return gtk_editable_get_text(GTK_EDITABLE(entry)) == text; });
+    const auto entered = [this] { return std::string(gtk_editable_get_text(GTK_EDITABLE(entry))); };
+    Until([&] { return entered() == text; });
+    EXPECT_EQ(entered(), text);
+    return entered() == text;
   }
 
   bool IsActive() const { return gtk_window_is_active(window) != FALSE; }

@@ -21,7 +21,7 @@ Platform::Host CreateHost(GtkApplication* application, const Platform::HostOptio
   const auto presented = std::make_shared<std::weak_ptr<Platform::Application>>();
   own.notificationOpened = [presented,
                             opened = options.notificationOpened](const Platform::Value& userInfo) {
-    if (const auto shown = presented->lock()) Platform::PresentFrontWindow(*shown);
+    if (const auto shown = presented->lock()) Platform::BringToFront(*shown);
     if (opened) opened(userInfo);
   };
   auto host = Platform::WithGtk4(Platform::Host::CreateDefault(own), application);

@@ -21,6 +21,14 @@ GtkWindow* Gtk4Application::FrontWindow() const {
   return windows.empty() ? nullptr : windows.front();
 }
 
+void Gtk4Application::ComeToFront() const {
+  if (GtkWindow* window = FrontWindow()) {
+    gtk_window_present(window);
+  } else if (application_) {
+    g_application_activate(G_APPLICATION(application_.get()));
+  }
+}
+
 std::shared_ptr<Window> Gtk4Application::KeyWindow() const {
   GtkWindow* active = ActiveWindow();
   return active == nullptr ? nullptr : Gtk4Window::Of(active);

@@ -25,6 +25,9 @@ class Gtk4Application final : public Application {
   // The window to show something over: the key window, else the first; null when there is none.
   GtkWindow* FrontWindow() const;
 
+  // Presents the front window; without any, activates the application.
+  void ComeToFront() const;
+
   ApplicationState State() const override { return life_.State(); }
   std::shared_ptr<Window> KeyWindow() const override;
   std::vector<std::shared_ptr<Window>> Windows() const override;

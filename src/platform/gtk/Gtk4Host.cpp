@@ -18,10 +18,9 @@ Host WithGtk4(Host host, GtkApplication* application) {
   return host;
 }
 
-void PresentFrontWindow(const Application& application) {
+void BringToFront(const Application& application) {
   const auto* own = dynamic_cast<const Gtk4Application*>(&application);
-  GtkWindow* window = own == nullptr ? nullptr : own->FrontWindow();
-  if (window != nullptr) gtk_window_present(window);
+  if (own != nullptr) own->ComeToFront();
 }
 
 }  // namespace Platform

@@ -10,7 +10,8 @@ namespace Platform {
 // initialised, and be used on the calling thread. Opening of URLs stays with `host.application`.
 Host WithGtk4(Host host, GtkApplication* application);
 
-// Brings the application's front window to the user's attention.
-void PresentFrontWindow(const Application& application);
+// Brings the application of such a host to the user's attention: its front window or, when it has
+// none, what it does when it is activated.
+void BringToFront(const Application& application);
 
 }  // namespace Platform

@@ -7,24 +7,28 @@ namespace Platform {
 namespace {
 
 constexpr std::chrono::milliseconds kGrace{150};
+constexpr std::chrono::seconds kFocusTime{2};  // for another window to get it
 
 }  // namespace
 
 Gtk4Life::Gtk4Life(GtkApplication* application,
                    std::shared_ptr<NotificationCenter> notificationCenter)
     : notificationCenter_(std::move(notificationCenter)),
-      windows_(
-          [this](GtkWindow* window) {
-            std::vector<SignalConnection> connections;
-            connections.push_back(OnSignal<void(GParamSpec*)>(window, "notify::is-active",
-                                                              [this](GParamSpec*) { Update(); }));
-            for (const char* signal : {"map", "unmap"}) {
-              connections.push_back(OnSignal<void()>(window, signal, [this] { Update(); }));
-            }
-            return connections;
-          },
-          [this] { Update(); }) {
+      windows_([this](GtkWindow* window) { return Follow(window); }, [this] { Update(); }) {
   AwaitLaunch(application);
+}
+
+std::vector<SignalConnection> Gtk4Life::Follow(GtkWindow* window) {
+  std::vector<SignalConnection> connections;
+  connections.push_back(
+      OnSignal<void(GParamSpec*)>(window, "notify::is-active", [this](GParamSpec*) { Update(); }));
+  for (const char* signal : {"map", "unmap"}) {
+    connections.push_back(OnSignal<void()>(window, signal, [this] {
+      focusMovesUntil_ = Clock::now() + kFocusTime;
+      Update();
+    }));
+  }
+  return connections;
 }
 
 // An application is activated right after its start, before its loop turns for the first time.
@@ -51,9 +55,20 @@ void Gtk4Life::Update() {
   const bool isInFront = IsInFront();
   if (!hasLaunched_) return;
   if (isInFront) return EnterForeground();
-  if (state_ != ApplicationState::Active) return;  // it is being waited for, or known
-  state_ = ApplicationState::Inactive;
-  grace_ = GlibTimer(kGrace, [this] {
+  if (state_ == ApplicationState::Background) return;
+  if (state_.exchange(ApplicationState::Inactive) == ApplicationState::Active) {
+    inactiveSince_ = Clock::now();
+  }
+  AwaitBackground();
+}
+
+void Gtk4Life::AwaitBackground() {
+  const auto windows = AllToplevels();
+  const bool isSeen = std::any_of(windows.begin(), windows.end(), &IsSeen);
+  auto end = inactiveSince_ + kGrace;
+  if (isSeen) end = std::max(end, focusMovesUntil_);
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+  grace_ = GlibTimer(std::max(left, std::chrono::milliseconds::zero()), [this] {
     EnterBackground();
     return false;
   });

@@ -6,6 +6,7 @@
 
 #include "platform/gtk/Gtk4View.h"
 #include "platform/gtk/KeptFocus.h"
+#include "platform/gtk/WindowContent.h"
 
 namespace Platform {
 namespace {
@@ -36,7 +37,7 @@ Gtk4Overlay::Gtk4Overlay(GtkWindow* window, const Size& size)
   onPlace_ = OnSignal<gboolean(GtkWidget*, GdkRectangle*)>(
       overlay_.get(), "get-child-position",
       [this](GtkWidget* child, GdkRectangle* place) { return Place(child, place) ? TRUE : FALSE; });
-  onChild_ = OnSignal<void(GParamSpec*)>(window, "notify::child", [this](GParamSpec*) {
+  onChild_ = OnSignal<void(GParamSpec*)>(window, ContentSignalOf(window), [this](GParamSpec*) {
     if (!isExchanging_) TakeContent();
   });
   TakeContent();
@@ -91,14 +92,14 @@ void Gtk4Overlay::Abandon() {
 }
 
 void Gtk4Overlay::TakeContent() {
-  GtkWidget* child = gtk_window_get_child(window_);
+  GtkWidget* child = ContentOf(window_);
   if (child == GTK_WIDGET(overlay_.get())) return;
   const KeptFocus focus(window_);
   const auto content = Retain(child);
   isExchanging_ = true;
-  gtk_window_set_child(window_, nullptr);
+  SetContentOf(window_, nullptr);
   gtk_overlay_set_child(overlay_.get(), content.get());
-  gtk_window_set_child(window_, GTK_WIDGET(overlay_.get()));
+  SetContentOf(window_, GTK_WIDGET(overlay_.get()));
   isExchanging_ = false;
 }
 
@@ -106,7 +107,7 @@ void Gtk4Overlay::GiveContentBack() {
   const KeptFocus focus(window_);
   const auto content = Retain(Content());
   gtk_overlay_set_child(overlay_.get(), nullptr);
-  gtk_window_set_child(window_, content.get());
+  SetContentOf(window_, content.get());
 }
 
 bool Gtk4Overlay::Place(GtkWidget* child, GdkRectangle* place) {

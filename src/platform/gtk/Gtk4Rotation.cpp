@@ -26,29 +26,13 @@ struct Stand {
 
 }  // namespace
 
-class Gtk4Rotation::Registration final : public RotationWatch {
- public:
-  Registration(std::shared_ptr<Watches> watches, std::function<void()> rotated)
-      : watches_(std::move(watches)),
-        rotated_(std::make_shared<const std::function<void()>>(std::move(rotated))) {
-    watches_->push_back(rotated_);
-  }
-  ~Registration() override { std::erase(*watches_, rotated_); }
-  Registration(const Registration&) = delete;
-  Registration& operator=(const Registration&) = delete;
-
- private:
-  const std::shared_ptr<Watches> watches_;
-  const std::shared_ptr<const std::function<void()>> rotated_;
-};
-
 Gtk4Rotation::Gtk4Rotation(std::shared_ptr<MainQueue> mainQueue)
     : mainQueue_(std::move(mainQueue)),
-      watches_(std::make_shared<Watches>()),
+      watches_(std::make_shared<RotationWatches>()),
       windows_([this](GtkWindow* window) { return Follow(window); }, [] {}) {}
 
 std::unique_ptr<RotationWatch> Gtk4Rotation::Watch(std::function<void()> rotated) {
-  return std::make_unique<Registration>(watches_, std::move(rotated));
+  return watches_->Add(std::move(rotated));
 }
 
 std::vector<SignalConnection> Gtk4Rotation::Follow(GtkWindow* window) {
@@ -74,11 +58,8 @@ std::vector<SignalConnection> Gtk4Rotation::Follow(GtkWindow* window) {
 
 // Not while the windows are being laid out.
 void Gtk4Rotation::Tell() {
-  mainQueue_->Async([watches = std::weak_ptr<Watches>(watches_)] {
-    const auto all = watches.lock();
-    if (!all) return;
-    const Watches told = *all;
-    for (const auto& rotated : told) (*rotated)();
+  mainQueue_->Async([watches = std::weak_ptr<const RotationWatches>(watches_)] {
+    if (const auto all = watches.lock()) all->Tell();
   });
 }
 

@@ -8,6 +8,7 @@
 
 #include "QEXCore_iOS/Platform/MainQueue.h"
 #include "QEXCore_iOS/Platform/Ui.h"
+#include "platform/gtk/RotationWatches.h"
 #include "platform/gtk/Toplevels.h"
 
 namespace Platform {
@@ -22,14 +23,11 @@ class Gtk4Rotation {
   std::unique_ptr<RotationWatch> Watch(std::function<void()> rotated);
 
  private:
-  using Watches = std::vector<std::shared_ptr<const std::function<void()>>>;
-  class Registration;
-
   std::vector<SignalConnection> Follow(GtkWindow* window);
   void Tell();
 
   const std::shared_ptr<MainQueue> mainQueue_;
-  const std::shared_ptr<Watches> watches_;
+  const std::shared_ptr<RotationWatches> watches_;
   ToplevelWatch windows_;
 };
 

@@ -4,6 +4,7 @@
 
 #include "platform/gtk/Gtk4View.h"
 #include "platform/gtk/Gtk4ViewController.h"
+#include "platform/gtk/WindowContent.h"
 
 namespace Platform {
 namespace {
@@ -32,7 +33,7 @@ Gtk4Window::Gtk4Window(GtkWindow* window) : window_(window) {
 GtkWidget* Gtk4Window::Content() const {
   const auto window = window_.Get();
   if (!window) return nullptr;
-  return overlay_ ? overlay_->Content() : gtk_window_get_child(window.get());
+  return overlay_ ? overlay_->Content() : ContentOf(window.get());
 }
 
 Rect Gtk4Window::Frame() const {
@@ -87,7 +88,7 @@ void Gtk4Window::LoseWindow() {
 }
 
 Size Gtk4Window::ContentSize(GtkWindow* window) const {
-  GtkWidget* content = gtk_window_get_child(window);
+  GtkWidget* content = ContentOf(window);
   const bool fills = content != nullptr && gtk_widget_get_width(content) > 0 &&
                      gtk_widget_get_halign(content) == GTK_ALIGN_FILL &&
                      gtk_widget_get_valign(content) == GTK_ALIGN_FILL;

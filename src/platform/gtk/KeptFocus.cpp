@@ -12,21 +12,10 @@ bool IsIn(GtkWindow* window, GtkWidget* widget) {
 KeptFocus::KeptFocus(GtkWindow* window)
     : window_(window),
       focus_(gtk_window_get_focus(window)),
-      defaultWidget_(gtk_window_get_default_widget(window)) {
-  const auto focus = focus_.Get();
-  if (!focus || !GTK_IS_TEXT(focus.get())) return;
-  auto* text = GTK_EDITABLE(focus.get());
-  if (gtk_editable_get_selection_bounds(text, &selectionStart_, &selectionEnd_) == FALSE) {
-    selectionStart_ = selectionEnd_ = gtk_editable_get_position(text);
-  }
-}
+      defaultWidget_(gtk_window_get_default_widget(window)) {}
 
 KeptFocus::~KeptFocus() {
-  const auto focus = focus_.Get();
-  GiveFocusBack(window_, focus.get());
-  if (focus && GTK_IS_TEXT(focus.get())) {
-    gtk_editable_select_region(GTK_EDITABLE(focus.get()), selectionStart_, selectionEnd_);
-  }
+  GiveFocusBack(window_, focus_.Get().get());
   const auto defaultWidget = defaultWidget_.Get();
   if (IsIn(window_, defaultWidget.get())) {
     gtk_window_set_default_widget(window_, defaultWidget.get());

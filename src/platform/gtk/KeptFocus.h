@@ -6,9 +6,9 @@
 
 namespace Platform {
 
-// Gives the keyboard's focus, with what was selected there, and the default button of a window back
-// to the widgets that had them, when this goes: they lose them when they are put elsewhere in the
-// window.
+// Gives the keyboard's focus and the default button of a window back to the widgets that had them,
+// when this goes: they lose them when they are put elsewhere in the window. What was selected in a
+// text may not be any more; the text and the place of its cursor stay.
 class KeptFocus {
  public:
   explicit KeptFocus(GtkWindow* window);
@@ -19,8 +19,6 @@ class KeptFocus {
  private:
   GtkWindow* const window_;
   const WeakObject<GtkWidget> focus_;
-  int selectionStart_ = 0;
-  int selectionEnd_ = 0;
   const WeakObject<GtkWidget> defaultWidget_;
 };
 
