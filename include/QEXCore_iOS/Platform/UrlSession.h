@@ -58,8 +58,9 @@ enum class UrlFailure : std::int64_t {
 
 // Sends HTTPS requests, each on a connection of its own: no cookies, no cache, nothing kept.
 //
-// Redirects are followed, twenty at most, and never from https, wherever it was reached, to anything
-// else. Cleartext is refused, unless the application's information dictionary allows arbitrary loads
+// Redirects are followed, twenty at most, and never from https, wherever it was reached, to
+// anything else. Cleartext is refused, unless the application's information dictionary allows
+// arbitrary loads
 // ("NSAllowsArbitraryLoads" of "NSAppTransportSecurity"). A body may be as large as the session
 // takes and is never allocated on a header's word. Headers that belong to the connection
 // ("Connection", "Content-Length", "Expect", "Host", "Keep-Alive", "Proxy-Connection", "TE",
