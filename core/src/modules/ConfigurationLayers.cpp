@@ -16,8 +16,13 @@ constexpr const char* kLogTag = "Configuration";
 constexpr std::array<const char*, 3> kKeys = {"FileConfiguration", "RemoteConfiguration",
                                               "UpdatedConfiguration"};
 
-// The members that updates hide: JSON texts are written without their nulls.
+// The members that updates hide: JSON texts are written without their nulls and empty texts.
 constexpr const char* kHiddenKey = "HiddenConfiguration";
+
+bool IsLeftOutOfTexts(const std::shared_ptr<Variant>& value) {
+  return IsNothing(value) ||
+         (value->GetKind() == VariantKind::String && value->GetString().empty());
+}
 
 std::size_t IndexOf(ConfigurationLayer layer) { return static_cast<std::size_t>(layer); }
 
@@ -69,7 +74,7 @@ void ConfigurationLayers::Save(ConfigurationLayer layer, const PlatformServicesI
   VariantMap members = Get(layer);
   std::vector<std::string> hidden;
   for (const auto& [name, value] : members) {
-    if (IsNothing(value)) hidden.push_back(name);
+    if (IsLeftOutOfTexts(value)) hidden.push_back(name);
   }
   for (const std::string& name : hidden) members.erase(name);
   const std::optional<std::string> text =

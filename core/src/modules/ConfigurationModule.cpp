@@ -93,6 +93,10 @@ void ConfigurationModule::OnDownload(const std::string& appId, VariantMap member
 void ConfigurationModule::Update(const VariantMap& members, const EventPointer& event) {
   VariantMap updates = layers_.Get(ConfigurationLayer::Updates);
   for (const auto& [key, value] : members) {
+    if (key.empty()) {
+      Log::Debug(kLogTag, "a member without a name is ignored");
+      continue;
+    }
     updates.insert_or_assign(key, IsNothing(value) ? Variant::FromNull() : value);
   }
   Change(ConfigurationLayer::Updates, std::move(updates), event);

@@ -111,6 +111,19 @@ TEST_F(ConfigurationModuleTest, TheNextStartBeginsWithWhatWasConfigured) {
   EXPECT_EQ(StateOf("configuration", NewEvent("")->WithNumber(1)), state);
 }
 
+TEST_F(ConfigurationModuleTest, AMemberThatWasMadeEmptyStaysSoAtTheNextStart) {
+  StartCore();
+  core->ConfigureWithFileInPath(directory.WriteFile("config.json", R"({"a":1,"b":2,"c":3})"));
+  core->UpdateConfiguration({{"b", Variant::FromString("")}});
+  core->UpdateConfiguration({{"", nullptr}, {"c", nullptr}});
+  log.ExpectLine(LogLevel::Debug, "Configuration", "a member without a name is ignored");
+  Settle();
+  EXPECT_EQ(StateOf("configuration"), R"({"a":1,"privacyStatus":2})");
+  Restart();
+  Settle();
+  EXPECT_EQ(StateOf("configuration"), R"({"a":1,"privacyStatus":2})");
+}
+
 TEST_F(ConfigurationModuleTest, IgnoresStoredTextThatIsNoJsonObject) {
   const auto store = services->localStorage->GetDataStore("KorvoMobile_ConfigState");
   store->SetString("FileConfiguration", "[1]");
