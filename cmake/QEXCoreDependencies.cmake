@@ -21,11 +21,23 @@ add_library(QEXDep::Gio ALIAS PkgConfig::GIO)
 add_library(QEXDep::Sqlite ALIAS PkgConfig::SQLITE3)
 add_library(QEXDep::Zlib ALIAS ZLIB::ZLIB)
 
+# qexcore_keep_instruction_set(<target>): without the options by which GTK's libraries ask for
+# instructions that every 64-bit PC has. clang takes no precompiled header that was made without.
+function(qexcore_keep_instruction_set target)
+  get_target_property(options ${target} INTERFACE_COMPILE_OPTIONS)
+  if(options)
+    list(FILTER options EXCLUDE REGEX "^-m(sse|fpmath)")
+    set_property(TARGET ${target} PROPERTY INTERFACE_COMPILE_OPTIONS "${options}")
+  endif()
+endfunction()
+
 # The screen's own library is built where its libraries are.
 if(QEXCORE_BUILD_GTK)
   pkg_check_modules(GTK4 IMPORTED_TARGET gtk4>=4.8)
   pkg_check_modules(WEBKITGTK IMPORTED_TARGET webkitgtk-6.0)
   if(GTK4_FOUND AND WEBKITGTK_FOUND)
+    qexcore_keep_instruction_set(PkgConfig::GTK4)
+    qexcore_keep_instruction_set(PkgConfig::WEBKITGTK)
     add_library(QEXDep::Gtk ALIAS PkgConfig::GTK4)
     add_library(QEXDep::WebKit ALIAS PkgConfig::WEBKITGTK)
   else()

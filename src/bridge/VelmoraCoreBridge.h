@@ -15,7 +15,9 @@ namespace Velmora {
 // beside any other use of the bridge.
 //
 // When the process ends by exit or by returning from main, the core is disposed: what was accepted
-// before is still handled, for two seconds at most, and the core's threads are joined.
+// before is still handled, for two seconds at most, and the core's threads are joined. A call of
+// the app's that is under way on one of them is waited for however long it takes, so it must not
+// wait for the thread that ends the process.
 class VelmoraCoreBridge : public virtual Object {
  public:
   // The bridge, never null. The first call makes the services, then the core, and then runs the

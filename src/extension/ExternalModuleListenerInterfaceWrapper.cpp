@@ -19,7 +19,9 @@ void ExternalModuleListenerInterfaceWrapper::OnRegistered() {
 }
 
 void ExternalModuleListenerInterfaceWrapper::Hear(const std::shared_ptr<Event>& event) {
-  if (listener_ != nullptr) listener_->hear(CreateQEXExtensionEventFromEvent(event));
+  // Kept for the call, inside which a core may tell it that it is unregistered.
+  const std::shared_ptr<QEXExtensionListener> listener = listener_;
+  if (listener != nullptr) listener->hear(CreateQEXExtensionEventFromEvent(event));
 }
 
 void ExternalModuleListenerInterfaceWrapper::OnUnregistered() {

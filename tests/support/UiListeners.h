@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,7 +23,12 @@ class AlertListener final : public Velmora::Object, public virtual Velmora::Aler
   // Notes with each call whether a message is displayed at that moment, as "*".
   AlertListener(Calls& calls, std::string name) : calls_(calls), name_(std::move(name)) {}
 
-  void OnPositiveResponse() override { Note("positive"); }
+  bool throws = false;  // when it hears of a response
+
+  void OnPositiveResponse() override {
+    Note("positive");
+    if (throws) throw std::runtime_error("spilt");
+  }
   void OnNegativeResponse() override { Note("negative"); }
   void OnShow() override { Note("show"); }
   void OnDismiss() override { Note("dismiss"); }

@@ -27,8 +27,9 @@ class VELMORA_CORE_API ExternalModuleServicesInterface : public virtual ObjectIn
   virtual void RegisterWildcardListener(
       const std::shared_ptr<ExternalModuleListenerInterface>& listener) = 0;
 
-  // Publishes the module's state as of `event` (as of now when the pointer is empty or the event has
-  // no number yet). `stateJson` is a JSON object; the empty text publishes a state that is pending.
+  // Publishes the module's state as of `event` (as of now when the pointer is empty or the event
+  // has no number yet). `stateJson` is a JSON object; the empty text publishes a state that is
+  // pending.
   virtual void SetSharedEventState(const std::string& stateJson,
                                    const std::shared_ptr<Event>& event) = 0;
 

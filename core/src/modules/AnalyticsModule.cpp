@@ -22,7 +22,7 @@ constexpr StateReader::Range kTimeoutRange{1, 300};
 constexpr StateReader::Range kMaxHitsRange{1, 100'000};
 constexpr StateReader::Range kMaxAgeRange{60, 365 * 24 * 3600};
 
-constexpr std::size_t kMaxHitBytes = 128 * 1024;
+constexpr std::size_t kMaxHitBytes = 64 * 1024;
 constexpr std::size_t kMaxPending = 100;
 
 std::int64_t Milliseconds(Event::Clock::time_point time) {

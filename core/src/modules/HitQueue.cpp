@@ -21,6 +21,8 @@ constexpr std::int64_t kInMemory = 0;
 constexpr std::size_t kMaxHitsInRow = 100;
 constexpr std::size_t kMaxBytesInRow = 256 * 1024;
 
+constexpr std::size_t kMaxBytesInMemory = 8 * 1024 * 1024;
+
 }  // namespace
 
 template <class Work>
@@ -137,9 +139,19 @@ HitQueue::Dropped HitQueue::TakeDropped() { return std::exchange(dropped_, {}); 
 void HitQueue::DropBeyondLimits() {
   // A hundredth at a time: each time costs a write to the disk.
   constexpr std::size_t kPart = 100;
+  DropBeyondMemory();
   const std::size_t count = Count();
   if (count <= limits_.count) return;
   DropOldest(std::min(count - limits_.count + limits_.count / kPart, count));
+}
+
+void HitQueue::DropBeyondMemory() {
+  std::size_t bytes = 0;
+  for (const Unsaved& hit : unsaved_) bytes += hit.text.size();
+  for (; bytes > kMaxBytesInMemory; unsaved_.pop_front()) {
+    bytes -= unsaved_.front().text.size();
+    ++dropped_.tooMany;
+  }
 }
 
 void HitQueue::DropOldest(std::size_t count) {

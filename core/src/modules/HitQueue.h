@@ -19,9 +19,9 @@ namespace Velmora {
 // oldest go first. Belongs to one thread at a time; throws nothing.
 //
 // While the database cannot be used, which one warning tells, hits wait in memory behind those that
-// it holds, and are brought into it once it can be: the next operation after a minute tries. What
-// the database wrote although it said that it could not is then there twice, never not at all. A
-// database that is damaged is made anew, with a warning.
+// it holds, 8 MiB at most, and are brought into it once it can be: the next operation after a
+// minute tries. What the database wrote although it said that it could not is then there twice,
+// never not at all. A database that is damaged is made anew, with a warning.
 class HitQueue {
  public:
   struct Limits {
@@ -93,6 +93,7 @@ class HitQueue {
   std::int64_t Now() const;
   void SaveOneRow(HitTable& table);
   void DropBeyondLimits();
+  void DropBeyondMemory();
   void DropOldest(std::size_t count);
   bool DropOldestOfTable(HitTable& table, std::size_t& count);
   std::optional<Hit> FirstOfTable();

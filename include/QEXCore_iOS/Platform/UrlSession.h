@@ -58,12 +58,12 @@ enum class UrlFailure : std::int64_t {
 
 // Sends HTTPS requests, each on a connection of its own: no cookies, no cache, nothing kept.
 //
-// Redirects are followed, twenty at most, and never from https, wherever it was reached, to anything
-// else. Cleartext is refused, unless the application's information dictionary allows arbitrary loads
-// ("NSAllowsArbitraryLoads" of "NSAppTransportSecurity"). A body may be as large as the session
-// takes and is never allocated on a header's word. Headers that belong to the connection
-// ("Connection", "Content-Length", "Expect", "Host", "Keep-Alive", "Proxy-Connection", "TE",
-// "Transfer-Encoding", "Upgrade") are left out.
+// Redirects are followed, twenty at most, and never from https, wherever it was reached, to
+// anything else. Cleartext is refused, unless the application's information dictionary allows
+// arbitrary loads ("NSAllowsArbitraryLoads" of "NSAppTransportSecurity"). A body may be as large as
+// the session takes and is never allocated on a header's word. Headers that belong to the
+// connection ("Connection", "Content-Length", "Expect", "Host", "Keep-Alive", "Proxy-Connection",
+// "TE", "Transfer-Encoding", "Upgrade") are left out.
 //
 // Safe from any thread. When the session goes, requests under way are cancelled; its destructor
 // waits for the completion that is running, unless it runs inside it. What is started while the

@@ -139,6 +139,11 @@ bool Database::DeleteTable(const std::string& table) {
 
 void Database::Close() {}
 
+void Database::OutliveFile() {
+  const std::lock_guard lock(mutex_);
+  connection_.KeepJournalInMemory();
+}
+
 bool Database::TableExistQuery(const std::string& table) {
   QueryResult result;
   RunQuerySqlite(SqlText::TableExists(table).c_str(), &result, {});

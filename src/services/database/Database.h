@@ -49,6 +49,9 @@ class Database final : public Object, public virtual DatabaseInterface {
   bool DeleteTable(const std::string& table) override;
   void Close() override;
 
+  // To be called before the file is removed: holders go on with the file that has no name then.
+  void OutliveFile();
+
   // Names are compared byte by byte.
   bool TableExistQuery(const std::string& table);
 

@@ -66,6 +66,7 @@ bool NativeDatabaseService::DeleteDatabase(const std::string& name) {
   const std::lock_guard lock(mutex_);
   const auto open = databases_.find(RemoveRelativePathComponent(name));
   if (open == databases_.end()) return false;
+  open->second->OutliveFile();
   const bool removed = RemoveDatabaseFile(*systemInfoService_, open->first);
   databases_.erase(open);
   return removed;

@@ -11,6 +11,8 @@
 
 namespace Velmora {
 
+class Database;
+
 // Opens SQLite files in the application's cache directory, by name, and keeps each open until it is
 // deleted or the service goes. Safe from any thread: one lock covers every operation, the opening
 // and deleting of the file included.
@@ -35,7 +37,7 @@ class NativeDatabaseService final : public Object, public virtual DatabaseServic
  private:
   const std::shared_ptr<SystemInfoServiceInterface> systemInfoService_;
   std::mutex mutex_;
-  std::map<std::string, std::shared_ptr<DatabaseInterface>> databases_;  // by file name
+  std::map<std::string, std::shared_ptr<Database>> databases_;  // by file name
 };
 
 std::shared_ptr<DatabaseServiceInterface> CreateNativeDatabaseService(

@@ -36,6 +36,10 @@ void SqlDb::MistrustFile() {
   ::sqlite3_db_config(connection_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
 }
 
+void SqlDb::KeepJournalInMemory() {
+  ::sqlite3_exec(connection_, "PRAGMA journal_mode=MEMORY", nullptr, nullptr, nullptr);
+}
+
 std::string SqlDb::ErrorMessage() const {
   return connection_ != nullptr ? ::sqlite3_errmsg(connection_) : ::sqlite3_errstr(openResult_);
 }

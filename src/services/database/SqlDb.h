@@ -20,6 +20,11 @@ class SqlDb {
   // once.
   bool Open(const std::string& path);
 
+  // From now on changes can be made even when the file has lost its name: SQLite would not make a
+  // journal beside it. A process that ends in the middle of a change may spoil the file then.
+  // Does nothing when SQLite will not have it.
+  void KeepJournalInMemory();
+
   // What SQLite says about the last call on the connection.
   std::string ErrorMessage() const;
 

@@ -178,13 +178,21 @@ void KRVAlertHandler::ShowAlertView(const std::shared_ptr<const Request>& reques
 }
 
 void KRVAlertHandler::RespondPositively() {
-  const auto request = Shown();
-  if (request && request->listener) request->listener->OnPositiveResponse();
-  onDismiss();
+  Respond([](Velmora::AlertListenerInterface& listener) { listener.OnPositiveResponse(); });
 }
 
 void KRVAlertHandler::RespondNegatively() {
+  Respond([](Velmora::AlertListenerInterface& listener) { listener.OnNegativeResponse(); });
+}
+
+// The alert has gone, whatever its listener does.
+void KRVAlertHandler::Respond(
+    const std::function<void(Velmora::AlertListenerInterface&)>& respond) {
   const auto request = Shown();
-  if (request && request->listener) request->listener->OnNegativeResponse();
+  Velmora::TryCatch(
+      [&] {
+        if (request && request->listener) respond(*request->listener);
+      },
+      [](SdkError& error) { Log::Error(kLogTag, "An alert's listener failed: %s", error.what()); });
   onDismiss();
 }

@@ -58,4 +58,5 @@ class KRVAlertHandler {
   static void SetShown(const std::shared_ptr<const Request>& request);
   static void RespondPositively();
   static void RespondNegatively();
+  static void Respond(const std::function<void(Velmora::AlertListenerInterface&)>& respond);
 };

@@ -70,14 +70,14 @@ KRVFullScreenHandler::~KRVFullScreenHandler() {
 }
 
 void KRVFullScreenHandler::show() {
-  if (messagesMonitor_->isDisplayed()) {
+  // Two threads may show the same message at once; only one of them goes on.
+  if (messagesMonitor_->isDisplayed() || isShown_.exchange(true)) {
     Log::Debug(kLogTag,
                "Full screen message couldn't be displayed, another message is displayed at this "
                "time");
     return;
   }
   messagesMonitor_->displayed();
-  isShown_ = true;
   Velmora::OnMainQueue([self = shared_from_this(), message = fullscreenMessage_.lock()] {
     ShownMessages().insert(message);
     self->Build(message);

@@ -26,29 +26,56 @@ std::string Conditions(const WireRequest& request) {
          HeaderOf(request, "if-none-match");
 }
 
-// False for a path that is none of these.
-bool AnswerPlainly(const WireRequest& request, WireConnection& connection) {
-  const std::string& path = request.target;
-  if (path == "/moved") return connection.Respond(301, "", {{"Location", "/hello.txt"}}), true;
-  if (path == "/cleartext") {
-    return connection.Respond(301, "", {{"Location", "http://127.0.0.1/"}}), true;
-  }
-  if (path == "/none") return connection.Send("HTTP/1.1 204 No Content\r\n\r\n"), true;
-  if (path == "/unchanged") return connection.Send("HTTP/1.1 304 Not Modified\r\n\r\n"), true;
-  if (path == "/no-range") return connection.Respond(416, "no such range"), true;
-  if (path == "/broken") return connection.Respond(500, "broken"), true;
-  if (path == "/agent") return connection.Respond(200, HeaderOf(request, "user-agent")), true;
-  if (path == "/bare") return connection.Respond(200, Conditions(request)), true;
-  if (path == "/dated") {
-    return connection.Respond(200, Conditions(request), {{"Last-Modified", kDate}}), true;
-  }
-  if (path == "/tagged") {
-    return connection.Respond(200, Conditions(request),
-                              {{"Last-Modified", kDate}, {"ETag", "W/\"a b\""}}),
-           true;
-  }
-  if (path == "/reset") return connection.Reset(), true;
-  return false;
+using Page = TestSupport::LoopbackServer::Handler;
+
+Page RedirectTo(const std::string& url) {
+  return [url](const WireRequest&, WireConnection& connection) {
+    connection.Respond(301, "", {{"Location", url}});
+  };
+}
+
+Page Fixed(int status, const std::string& body) {
+  return [status, body](const WireRequest&, WireConnection& connection) {
+    connection.Respond(status, body);
+  };
+}
+
+// Without a length, which belongs to no such response.
+Page Bodiless(const std::string& statusLine) {
+  return [statusLine](const WireRequest&, WireConnection& connection) {
+    connection.Send(statusLine + "\r\n\r\n");
+  };
+}
+
+Page TellConditions(const Headers& headers) {
+  return [headers](const WireRequest& request, WireConnection& connection) {
+    connection.Respond(200, Conditions(request), headers);
+  };
+}
+
+void TellAgent(const WireRequest& request, WireConnection& connection) {
+  connection.Respond(200, HeaderOf(request, "user-agent"));
+}
+
+void DropConnection(const WireRequest& /*request*/, WireConnection& connection) {
+  connection.Reset();
+}
+
+// The pages that are always there, by path.
+const std::map<std::string, Page>& Pages() {
+  static const std::map<std::string, Page> pages = {
+      {"/moved", RedirectTo("/hello.txt")},
+      {"/cleartext", RedirectTo("http://127.0.0.1/")},
+      {"/none", Bodiless("HTTP/1.1 204 No Content")},
+      {"/unchanged", Bodiless("HTTP/1.1 304 Not Modified")},
+      {"/no-range", Fixed(416, "no such range")},
+      {"/broken", Fixed(500, "broken")},
+      {"/agent", TellAgent},
+      {"/bare", TellConditions({})},
+      {"/dated", TellConditions({{"Last-Modified", kDate}})},
+      {"/tagged", TellConditions({{"Last-Modified", kDate}, {"ETag", "W/\"a b\""}})},
+      {"/reset", DropConnection}};
+  return pages;
 }
 
 // The first byte that a header "Range: bytes=<first>-<last>" asks for, and the one behind the last.
@@ -82,9 +109,12 @@ void CaseAnswers::RemoveFile(const std::string& name) {
 
 void CaseAnswers::operator()(const WireRequest& request, WireConnection& connection) {
   constexpr std::string_view kLive = "/live/";
-  if (request.target.starts_with(kLive)) {
+  const auto page = Pages().find(request.target);
+  if (page != Pages().end()) {
+    page->second(request, connection);
+  } else if (request.target.starts_with(kLive)) {
     AnswerLive(request.target.substr(kLive.size()), request, connection);
-  } else if (!AnswerPlainly(request, connection)) {
+  } else {
     AnswerFile(request, connection);
   }
 }
@@ -101,7 +131,7 @@ void CaseAnswers::AnswerLive(const std::string& name, const WireRequest& request
   } else if (name == "drip") {
     connection.Send("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n");
     for (const char* byte = "0123456789"; *byte != '\0'; ++byte) {
-      if (!connection.Send({byte, 1}) || !connection.Pause(320ms)) return;
+      if (!connection.Send({byte, 1}) || !connection.Pause(350ms)) return;
     }
   } else if (name == "hang") {
     ++hanging_;

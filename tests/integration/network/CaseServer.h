@@ -31,7 +31,7 @@ DevServer::Identity IdentityWith(ServerCertificate certificate);
 //   /reset            the connection is dropped
 //   /live/chunked     a body without a length, in two parts
 //   /live/slow        the first byte comes after 1.2 seconds
-//   /live/drip        a byte of the body every 150 milliseconds, ten of them
+//   /live/drip        a byte of the body every 350 milliseconds, ten of them
 //   /live/stall       half of the body, and then nothing
 //   /live/truncated   half of the body, and the end of the connection
 //   /live/torn        half of the body, and the connection is dropped

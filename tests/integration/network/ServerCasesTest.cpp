@@ -154,8 +154,8 @@ TEST_P(ServerCasesTest, RefusesAPlainHttpUrlBeforeItAsks) {
 
 TEST_P(ServerCasesTest, ReturnsAtOnceWithBothTimeoutsZero) {
   const auto start = std::chrono::steady_clock::now();
-  EXPECT_EQ(network->ConnectUrl(Url("/live/slow"), HttpCommandType::Get, "", {}, 0s, 0s), nullptr);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, 1s);
+  EXPECT_EQ(network->ConnectUrl(Url("/live/hang"), HttpCommandType::Get, "", {}, 0s, 0s), nullptr);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, TestSupport::kDefaultDeadline);
   // It goes on, and is cancelled with the session.
   log.AllowLines(LogLevel::Debug, kTag, HasSubstr("Nothing came of the request"));
 }

@@ -181,6 +181,10 @@ TEST_F(NativeDatabaseServiceTest, LeavesADeletedDatabaseToWhoeverHoldsIt) {
   EXPECT_TRUE(database->Insert("t", {{"a", Variant::FromString("x")}}));
   EXPECT_TRUE(service_->DeleteDatabase("a"));
   EXPECT_EQ(database->RunQuery(std::make_shared<Query>("t"))->GetString(0), "x");
+  EXPECT_TRUE(database->Insert("t", {{"a", Variant::FromString("y")}}));
+  EXPECT_TRUE(database->Delete("t", "a = ?", {"'x'"}));
+  EXPECT_EQ(database->RunQuery(std::make_shared<Query>("t"))->GetString(0), "y");
+  EXPECT_FALSE(FileExists("a"));
 }
 
 TEST_F(NativeDatabaseServiceTest, DeletesOnlyWhatItOpened) {

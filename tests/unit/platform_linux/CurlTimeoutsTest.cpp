@@ -47,20 +47,22 @@ class CurlTimeoutsTest : public testing::Test {
 };
 
 TEST_F(CurlTimeoutsTest, WaitsForASlowFirstByte) {
-  const TrustedServer server([](const WireRequest&, WireConnection& connection) {
+  const TrustedServer server([](const WireRequest& request, WireConnection& connection) {
+    if (request.target == "/never") return connection.WaitForClient();
     connection.Pause(1200ms);
     connection.Respond(200, "late");
   });
-  EXPECT_THAT(Fetch(session_, RequestWith(server.Url(), 3s, 20s)), Brings(200, "late"));
-  EXPECT_THAT(Fetch(session_, RequestWith(server.Url(), 1s, 20s)), FailsWith(UrlFailure::TimedOut));
+  EXPECT_THAT(Fetch(session_, RequestWith(server.Url(), 20s, 60s)), Brings(200, "late"));
+  EXPECT_THAT(Fetch(session_, RequestWith(server.Url("/never"), 1s, 20s)),
+              FailsWith(UrlFailure::TimedOut));
 }
 
 // The whole takes longer than the idle timeout; each byte begins it anew.
 TEST_F(CurlTimeoutsTest, BeginsTheIdleTimeoutAnewWithEveryByte) {
-  const TrustedServer server(Drip("HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nbody", 40ms));
+  const TrustedServer server(Drip("HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nbody", 80ms));
   const auto start = Clock::now();
-  EXPECT_THAT(Fetch(session_, RequestWith(server.Url(), 1s, 20s)), Brings(200, "body"));
-  EXPECT_GT(Clock::now() - start, 1s);
+  EXPECT_THAT(Fetch(session_, RequestWith(server.Url(), 3s, 60s)), Brings(200, "body"));
+  EXPECT_GT(Clock::now() - start, 3s);
 }
 
 TEST_F(CurlTimeoutsTest, EndsATransferThatFallsSilent) {

@@ -64,6 +64,17 @@ TEST_F(Alert, HasADefaultAndACancelButton) {
   EXPECT_EQ(Made().actions[1].style, AlertActionStyle::Cancel);
 }
 
+TEST_F(Alert, IsGoneEvenWhenItsListenerThrows) {
+  const auto listener = Listener("a");
+  listener->throws = true;
+  Show(listener);
+  log.ExpectLine(LogLevel::Error, "KRVAlertHandler",
+                 "An alert's listener failed: std.exception: spilt");
+  Made().Choose("Yes");
+  EXPECT_THAT(calls, ElementsAre("a show*", "a positive*", "a dismiss"));
+  EXPECT_FALSE(service->IsMessageDisplayed());
+}
+
 TEST_F(Alert, HasASingleButtonWithoutANegativeText) {
   Show(Listener("a"), "Yes", "");
   ASSERT_THAT(Made().actions, SizeIs(1));

@@ -201,7 +201,8 @@ TEST_F(CoreRequestsTest, TrackCopiesItsData) {
 
 TEST_F(CoreRequestsTest, DownloadRules) {
   StartCore();
-  log.ExpectLine(LogLevel::Error, "Rules", "no rules can be had: there is no compressed file service");
+  log.ExpectLine(LogLevel::Error, "Rules",
+                 "no rules can be had: there is no compressed file service");
   core->DownloadRules();
   ExpectRequest(EventTypes::kRules, EventSources::kRequest, "download rules", "{}");
 }

@@ -12,6 +12,7 @@
 namespace {
 
 using namespace std::chrono_literals;
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using TestSupport::LogLevel;
@@ -159,8 +160,8 @@ TEST_F(AnalyticsDeviceTest, RefusesAHitThatIsTooLong) {
   StartCore();
   log.ExpectLine(LogLevel::Warning, "Analytics",
                  testing::StartsWith("what was tracked is too long to be sent: "));
-  Track(std::string(200'000, 'x'));
-  Track(std::string(100'000, 'x'));
+  Track(std::string(70'000, 'x'));
+  Track(std::string(60'000, 'x'));
   EXPECT_THAT(Numbers(), ElementsAre(1, 0, 0));
 }
 
@@ -189,6 +190,17 @@ TEST_F(AnalyticsDeviceTest, BoundsWhatWaitsInMemoryToo) {
   ExpectDropped(1, 2);
   Send();
   EXPECT_TRUE(WaitForNumbers({0, 0, 3}));
+}
+
+TEST_F(AnalyticsDeviceTest, BoundsTheBytesThatWaitInMemory) {
+  services->database = nullptr;
+  StartCore();
+  log.AllowLines(LogLevel::Warning, "Analytics", HasSubstr("wait in memory"));
+  log.AllowLines(LogLevel::Warning, "Analytics", HasSubstr("hits were dropped"));
+  for (int count = 0; count < 200; ++count) Track(std::string(60'000, 'x'));
+  const std::vector<std::int64_t> numbers = Numbers();
+  EXPECT_EQ(numbers.at(0) + numbers.at(2), 200);
+  EXPECT_THAT(numbers.at(0) * 60'000, AllOf(testing::Gt(7'000'000), testing::Lt(8'400'000)));
 }
 
 TEST_F(AnalyticsDeviceTest, BringsHitsIntoTheDatabaseOnceItCanBeUsed) {
