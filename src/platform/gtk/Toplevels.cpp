@@ -78,7 +78,7 @@ void ToplevelWatch::Update() {
     return std::find(windows.begin(), windows.end(), each.first) == windows.end();
   });
   for (GtkWindow* window : windows) {
-    if (connections_.count(window) == 0) connections_.emplace(window, connect_(window));
+    if (!connections_.contains(window)) connections_.emplace(window, connect_(window));
   }
 }
 
