@@ -10,7 +10,7 @@ class Subject {
   const Platform::Screen& Get() { return screen_; }
 
  private:
-  const Implementation screen_;
+  const Implementation screen_{};
 };
 
 using Subjects =
