@@ -85,8 +85,9 @@ int Run(const Options& options) {
     return EXIT_SUCCESS;
   }
   QEXCore::setLogLevel(static_cast<QEXMobileLogLevel>(options.logLevel));
-  const Storefront::HubObserver observer([&options](const Velmora::Event& event) {
-    if (!options.isQuiet) Print(Storefront::TextOf(event));
+  // The hub calls it until the process ends, and so longer than this function runs.
+  const Storefront::HubObserver observer([isQuiet = options.isQuiet](const Velmora::Event& event) {
+    if (!isQuiet) Print(Storefront::TextOf(event));
   });
   if (!Storefront::RegisterCart()) return EXIT_FAILURE;
   const Storefront::Visit visit(observer);
