@@ -11,6 +11,7 @@
 #include "VelmoraCore/EventNames.h"
 #include "VelmoraCore/TryCatch.h"
 #include "hub/EventHub.h"
+#include "platform/linux/JoiningThread.h"
 #include "services/database/NativeDatabaseService.h"
 #include "services/datastore/NativeLocalStorageService.h"
 #include "services/filesystem/NativeFileSystemService.h"
@@ -48,6 +49,7 @@ class CoreFixture : public testing::Test {
     services->url = Velmora::CreateNativeUrlService();
     services->logging = log.LoggingService();
     host.bundle->SetInfo("CFBundleName", "Sample");
+    threadJoiner.session = host.urlSession;
   }
 
   void StartCore() {
@@ -141,6 +143,17 @@ class CoreFixture : public testing::Test {
         [&] { return CountHeard(EventTypes::kHub, EventSources::kBooted) > heard; }));
   }
 
+  // Goes last. A session whose last owner was its own thread leaves that thread to be joined.
+  struct ThreadJoiner {
+    std::weak_ptr<TestSupport::FakeUrlSession> session;
+
+    ~ThreadJoiner() {
+      EXPECT_TRUE(TestSupport::WaitUntil(
+          [this] { return session.expired() && Platform::JoiningThread::JoinThoseDone(); }));
+    }
+  };
+
+  ThreadJoiner threadJoiner;
   TestSupport::FakeHost host;
   TestSupport::LogCapture log{Velmora::LoggingMode::Debug};
   std::shared_ptr<TestSupport::FakePlatformServices> services =
