@@ -8,6 +8,7 @@
 #include <optional>
 #include <thread>
 
+#include <QEXCore_iOS/Platform/Host.h>
 #include <QEXCore_iOS/QEXCore.h>
 #include <QEXCore_iOS/QEXExtensionEvent.h>
 
@@ -69,8 +70,10 @@ void Visit::LookAround() const {
   QEXCore::trackState("catalogue", {{"category", "shoes"}});
   QEXCore::trackAction("addToCart", {{"sku", "A-17"}, {"size", "M"}});
   PutIntoCart("A-17");
-  // The visitor reads what a rule has brought to the screen.
-  std::this_thread::sleep_for(500ms);
+  // The visitor goes on when what a rule shows has come on screen, which the main queue sees to.
+  AnswerTo<bool>([](const auto& answer) {
+    Platform::Host::Current()->mainQueue->Async([answer] { answer(true); });
+  });
 }
 
 void Visit::BuyShoes() const {
