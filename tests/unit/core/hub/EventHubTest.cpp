@@ -315,24 +315,8 @@ TEST_F(EventHubTest, OrdersAModulesStatesByWhatItHasHandledNotByWhatWaits) {
 TEST_F(EventHubTest, DropsEventsBeyondAModulesLimitWithoutHarmToOthers) {
   Velmora::EventHubLimits limits;
   limits.moduleEvents.items = 2;
-  StartHub(limits);
-  const auto gate = std::make_shared<Gate>();
-  const auto slow = std::make_shared<RecordingListener>([gate](const auto&) { gate->Pass(); });
-  const auto quick = std::make_shared<RecordingListener>();
-  RegisterWith("slow", slow);
-  RegisterWith("quick", quick);
-  EXPECT_EQ(Dispatch(NewEvent("1")), "");
-  gate->AwaitArrivals();
-  for (std::size_t count = 2; count <= 5; ++count) {
-    EXPECT_EQ(Dispatch(NewEvent(std::to_string(count))), "");
-    EXPECT_TRUE(quick->WaitForCount(count));
-  }
-  log.ExpectLine(LogLevel::Warning, "EventHub",
-                 "module slow: 2 events were dropped because its queue was full");
-  gate->Open();
-  Finish();
-  EXPECT_THAT(slow->Names(), ElementsAre("1", "2", "3"));
-  EXPECT_THAT(quick->Names(), ElementsAre("1", "2", "3", "4", "5"));
+  ExpectThatASlowModuleMissesTwoOfFive(limits,
+                                       [](const std::string& name) { return NewEvent(name); });
 }
 
 TEST_F(EventHubTest, TracesEveryEventInOneLine) {

@@ -58,22 +58,7 @@ TEST_F(HubBoundsTest, RefusesEventsOnceThoseThatWaitHoldTooManyBytes) {
 TEST_F(HubBoundsTest, DropsEventsForAModuleOnceThoseThatWaitHoldTooManyBytes) {
   EventHubLimits limits;
   limits.moduleEvents.bytes = 1'000'000;
-  StartHub(limits);
-  const auto gate = std::make_shared<Gate>();
-  const auto slow = std::make_shared<RecordingListener>([gate](const auto&) { gate->Pass(); });
-  const auto quick = std::make_shared<RecordingListener>();
-  RegisterWith("slow", slow);
-  RegisterWith("quick", quick);
-  EXPECT_EQ(Dispatch(LargeEvent("1")), "");
-  gate->AwaitArrivals();
-  for (std::size_t count = 2; count <= 5; ++count) {
-    EXPECT_EQ(Dispatch(LargeEvent(std::to_string(count))), "");
-    EXPECT_TRUE(quick->WaitForCount(count));
-  }
-  ExpectWarning("module slow: 2 events were dropped because its queue was full");
-  gate->Open();
-  Finish();
-  EXPECT_THAT(slow->Names(), ElementsAre("1", "2", "3"));
+  ExpectThatASlowModuleMissesTwoOfFive(limits, LargeEvent);
 }
 
 TEST_F(HubBoundsTest, DropsResponsesOnceThoseThatWaitHoldTooManyBytes) {

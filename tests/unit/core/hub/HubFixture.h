@@ -1,6 +1,8 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -50,6 +52,30 @@ class HubFixture : public testing::Test {
     };
     EXPECT_EQ(Register(module), "");
     return module;
+  }
+
+  // Five events for two modules, one of which is stuck with the first until all have been sent.
+  void ExpectThatASlowModuleMissesTwoOfFive(
+      const Velmora::EventHubLimits& limits,
+      const std::function<EventPointer(const std::string& name)>& newEvent) {
+    StartHub(limits);
+    const auto gate = std::make_shared<Gate>();
+    const auto slow = std::make_shared<RecordingListener>([gate](const auto&) { gate->Pass(); });
+    const auto quick = std::make_shared<RecordingListener>();
+    RegisterWith("slow", slow);
+    RegisterWith("quick", quick);
+    EXPECT_EQ(Dispatch(newEvent("1")), "");
+    gate->AwaitArrivals();
+    for (std::size_t count = 2; count <= 5; ++count) {
+      EXPECT_EQ(Dispatch(newEvent(std::to_string(count))), "");
+      EXPECT_TRUE(quick->WaitForCount(count));
+    }
+    log.ExpectLine(TestSupport::LogLevel::Warning, "EventHub",
+                   "module slow: 2 events were dropped because its queue was full");
+    gate->Open();
+    Finish();
+    EXPECT_THAT(slow->Names(), testing::ElementsAre("1", "2", "3"));
+    EXPECT_THAT(quick->Names(), testing::ElementsAre("1", "2", "3", "4", "5"));
   }
 
   void TearDown() override {
