@@ -1,13 +1,9 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
-#include <type_traits>
-#include <utility>
-#include <variant>
 #include <vector>
 
 #include "VelmoraCore/Export.h"
@@ -47,11 +43,10 @@ class VELMORA_CORE_API Variant {
   static std::shared_ptr<Variant> FromVariantVector(VariantVector values);
   static std::shared_ptr<Variant> FromVariantMap(VariantMap values);
 
-  ~Variant();
   Variant(const Variant&) = delete;
   Variant& operator=(const Variant&) = delete;
 
-  VariantKind GetKind() const { return static_cast<VariantKind>(storage_.index()); }
+  VariantKind GetKind() const { return kind_; }
 
   // True for the kinds Integer, Long and Double.
   bool IsNumericKind() const;
@@ -74,25 +69,18 @@ class VELMORA_CORE_API Variant {
   static bool AreEqual(const std::shared_ptr<Variant>& left, const std::shared_ptr<Variant>& right);
 
  private:
-  // In the order of the kinds.
-  using Storage = std::variant<std::monostate, std::string, std::int32_t, std::int64_t, double,
-                               bool, VariantVector, VariantMap>;
-  static_assert(
-      std::is_same_v<
-          std::variant_alternative_t<static_cast<std::size_t>(VariantKind::VariantMap), Storage>,
-          VariantMap>);
-  struct Key {
-    explicit Key() = default;
-  };
-
- public:
-  // For the factories above only.
+  // A variant with its value, which takes no more room than it needs.
   template <class T>
-  Variant(Key, T&& value)
-      : storage_(std::in_place_type<std::remove_cvref_t<T>>, std::forward<T>(value)) {}
+  class Holding;
 
- private:
-  Storage storage_;
+  explicit Variant(VariantKind kind) : kind_(kind) {}
+  ~Variant() = default;
+
+  // The value of a variant whose kind is that of T.
+  template <class T>
+  const T& Held() const;
+
+  const VariantKind kind_;
 };
 
 }  // namespace Velmora

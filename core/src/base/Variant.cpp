@@ -2,6 +2,9 @@
 
 #include <cmath>
 #include <limits>
+#include <type_traits>
+#include <utility>
+#include <variant>
 
 #include "VelmoraCore/ErrorCodes.h"
 #include "VelmoraCore/SdkError.h"
@@ -185,116 +188,123 @@ bool CompareShallow(const Variant& left, const Variant& right, PairsToCompare& p
 
 }  // namespace
 
+template <class T>
+class Variant::Holding : public Variant {
+ public:
+  Holding(VariantKind kind, T&& value) : Variant(kind), value_(std::move(value)) {}
+  ~Holding() {
+    if constexpr (std::is_same_v<T, VariantVector> || std::is_same_v<T, VariantMap>) {
+      ReleaseElements(value_);
+    }
+  }
+  Holding(const Holding&) = delete;
+  Holding& operator=(const Holding&) = delete;
+
+  const T& Value() const { return value_; }
+
+ private:
+  T value_;
+};
+
+template <class T>
+const T& Variant::Held() const {
+  return static_cast<const Holding<T>&>(*this).Value();
+}
+
 std::shared_ptr<Variant> Variant::FromString(std::string text) {
-  return std::make_shared<Variant>(Key(), std::move(text));
+  return std::make_shared<Holding<std::string>>(VariantKind::String, std::move(text));
 }
 
 std::shared_ptr<Variant> Variant::FromInteger(int value) {
-  return std::make_shared<Variant>(Key(), std::int32_t{value});
+  return std::make_shared<Holding<std::int32_t>>(VariantKind::Integer, std::int32_t{value});
 }
 
 std::shared_ptr<Variant> Variant::FromLong(long long value) {
-  return std::make_shared<Variant>(Key(), std::int64_t{value});
+  return std::make_shared<Holding<std::int64_t>>(VariantKind::Long, std::int64_t{value});
 }
 
 std::shared_ptr<Variant> Variant::FromDouble(double value) {
-  return std::make_shared<Variant>(Key(), value);
+  return std::make_shared<Holding<double>>(VariantKind::Double, double{value});
 }
 
 std::shared_ptr<Variant> Variant::FromBoolean(bool value) {
-  return std::make_shared<Variant>(Key(), value);
+  return std::make_shared<Holding<bool>>(VariantKind::Boolean, bool{value});
 }
 
 std::shared_ptr<Variant> Variant::FromNull() {
-  return std::make_shared<Variant>(Key(), std::monostate());
+  return std::make_shared<Holding<std::monostate>>(VariantKind::Null, std::monostate());
 }
 
 std::shared_ptr<Variant> Variant::FromVariantVector(VariantVector values) {
-  return std::make_shared<Variant>(Key(), std::move(values));
+  return std::make_shared<Holding<VariantVector>>(VariantKind::VariantVector, std::move(values));
 }
 
 std::shared_ptr<Variant> Variant::FromVariantMap(VariantMap values) {
-  return std::make_shared<Variant>(Key(), std::move(values));
-}
-
-Variant::~Variant() {
-  if (auto* values = std::get_if<VariantVector>(&storage_)) {
-    ReleaseElements(*values);
-  } else if (auto* members = std::get_if<VariantMap>(&storage_)) {
-    ReleaseElements(*members);
-  }
+  return std::make_shared<Holding<VariantMap>>(VariantKind::VariantMap, std::move(values));
 }
 
 bool Variant::IsNumericKind() const {
-  const VariantKind kind = GetKind();
-  return kind == VariantKind::Integer || kind == VariantKind::Long || kind == VariantKind::Double;
+  return kind_ == VariantKind::Integer || kind_ == VariantKind::Long ||
+         kind_ == VariantKind::Double;
 }
 
 const std::string& Variant::GetString() const {
-  if (const auto* text = std::get_if<std::string>(&storage_)) {
-    return *text;
-  }
-  ThrowWrongKind(GetKind(), "string", __LINE__);
+  if (kind_ != VariantKind::String) ThrowWrongKind(kind_, "string", __LINE__);
+  return Held<std::string>();
 }
 
 std::int32_t Variant::GetInteger() const {
-  if (const auto* integer = std::get_if<std::int32_t>(&storage_)) {
-    return *integer;
+  switch (kind_) {
+    case VariantKind::Integer:
+      return Held<std::int32_t>();
+    case VariantKind::Long:
+      return NarrowInteger(Held<std::int64_t>());
+    case VariantKind::Double:
+      return IntegerFromDouble<std::int32_t>(Held<double>());
+    default:
+      ThrowWrongKind(kind_, "number", __LINE__);
   }
-  if (const auto* integer = std::get_if<std::int64_t>(&storage_)) {
-    return NarrowInteger(*integer);
-  }
-  if (const auto* number = std::get_if<double>(&storage_)) {
-    return IntegerFromDouble<std::int32_t>(*number);
-  }
-  ThrowWrongKind(GetKind(), "number", __LINE__);
 }
 
 std::int64_t Variant::GetLong() const {
-  if (const auto* integer = std::get_if<std::int32_t>(&storage_)) {
-    return *integer;
+  switch (kind_) {
+    case VariantKind::Integer:
+      return Held<std::int32_t>();
+    case VariantKind::Long:
+      return Held<std::int64_t>();
+    case VariantKind::Double:
+      return IntegerFromDouble<std::int64_t>(Held<double>());
+    default:
+      ThrowWrongKind(kind_, "number", __LINE__);
   }
-  if (const auto* integer = std::get_if<std::int64_t>(&storage_)) {
-    return *integer;
-  }
-  if (const auto* number = std::get_if<double>(&storage_)) {
-    return IntegerFromDouble<std::int64_t>(*number);
-  }
-  ThrowWrongKind(GetKind(), "number", __LINE__);
 }
 
 double Variant::GetDouble() const {
-  if (const auto* number = std::get_if<double>(&storage_)) {
-    return *number;
+  switch (kind_) {
+    case VariantKind::Integer:
+      return Held<std::int32_t>();
+    case VariantKind::Long:
+      return static_cast<double>(Held<std::int64_t>());
+    case VariantKind::Double:
+      return Held<double>();
+    default:
+      ThrowWrongKind(kind_, "number", __LINE__);
   }
-  if (const auto* integer = std::get_if<std::int32_t>(&storage_)) {
-    return *integer;
-  }
-  if (const auto* integer = std::get_if<std::int64_t>(&storage_)) {
-    return static_cast<double>(*integer);
-  }
-  ThrowWrongKind(GetKind(), "number", __LINE__);
 }
 
 bool Variant::GetBoolean() const {
-  if (const auto* boolean = std::get_if<bool>(&storage_)) {
-    return *boolean;
-  }
-  ThrowWrongKind(GetKind(), "boolean", __LINE__);
+  if (kind_ != VariantKind::Boolean) ThrowWrongKind(kind_, "boolean", __LINE__);
+  return Held<bool>();
 }
 
 const VariantVector& Variant::GetVariantVector() const {
-  if (const auto* values = std::get_if<VariantVector>(&storage_)) {
-    return *values;
-  }
-  ThrowWrongKind(GetKind(), "vector", __LINE__);
+  if (kind_ != VariantKind::VariantVector) ThrowWrongKind(kind_, "vector", __LINE__);
+  return Held<VariantVector>();
 }
 
 const VariantMap& Variant::GetVariantMap() const {
-  if (const auto* values = std::get_if<VariantMap>(&storage_)) {
-    return *values;
-  }
-  ThrowWrongKind(GetKind(), "map", __LINE__);
+  if (kind_ != VariantKind::VariantMap) ThrowWrongKind(kind_, "map", __LINE__);
+  return Held<VariantMap>();
 }
 
 bool Variant::AreEqual(const std::shared_ptr<Variant>& left,

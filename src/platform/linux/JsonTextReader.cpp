@@ -44,9 +44,9 @@ class Reader {
   // False when the nesting is too deep. `root` is an object or an array.
   bool Walk(const dom::element& root, JsonVisitor& visitor) {
     levels_.clear();
-    if (!Tell(root, visitor)) return false;
+    if (!Enter(root, visitor)) return false;
     while (!levels_.empty()) {
-      if (!Step(visitor)) return false;
+      if (!(levels_.back().isObject ? TellMembers(visitor) : TellElements(visitor))) return false;
     }
     return true;
   }
@@ -54,38 +54,45 @@ class Reader {
   bool IsWorthKeeping() const { return parser_.capacity() <= kMaximumKeptCapacity; }
 
  private:
-  // Tells the next part of the innermost container, or its end.
-  bool Step(JsonVisitor& visitor) {
+  // Tell what is left of the innermost container: up to the next container in it, which is
+  // entered, or to its end. False when that is nested too deep.
+  bool TellMembers(JsonVisitor& visitor) {
     Level& level = levels_.back();
-    if (level.isObject) {
-      if (level.member == level.memberEnd) {
-        levels_.pop_back();
-        visitor.EndObject();
-        return true;
+    for (auto member = level.member; member != level.memberEnd;) {
+      visitor.Key(member.key());
+      const dom::element value = member.value();
+      ++member;
+      if (!TellScalar(value, visitor)) {
+        level.member = member;
+        return Enter(value, visitor);
       }
-      visitor.Key(level.member.key());
-      const dom::element value = level.member.value();
-      ++level.member;
-      return Tell(value, visitor);
     }
-    if (level.element == level.elementEnd) {
-      levels_.pop_back();
-      visitor.EndArray();
-      return true;
-    }
-    const dom::element value = *level.element;
-    ++level.element;
-    return Tell(value, visitor);
+    levels_.pop_back();
+    visitor.EndObject();
+    return true;
   }
 
-  bool Tell(const dom::element& element, JsonVisitor& visitor) {
+  bool TellElements(JsonVisitor& visitor) {
+    Level& level = levels_.back();
+    for (auto element = level.element; element != level.elementEnd;) {
+      const dom::element value = *element;
+      ++element;
+      if (!TellScalar(value, visitor)) {
+        level.element = element;
+        return Enter(value, visitor);
+      }
+    }
+    levels_.pop_back();
+    visitor.EndArray();
+    return true;
+  }
+
+  // False for a container.
+  static bool TellScalar(const dom::element& element, JsonVisitor& visitor) {
     switch (element.type()) {
       case dom::element_type::OBJECT:
-        visitor.BeginObject();
-        return Enter(element.get_object().value_unsafe());
       case dom::element_type::ARRAY:
-        visitor.BeginArray();
-        return Enter(element.get_array().value_unsafe());
+        return false;
       case dom::element_type::STRING:
         visitor.String(element.get_string().value_unsafe());
         return true;
@@ -108,13 +115,21 @@ class Reader {
     return true;
   }
 
-  bool Enter(dom::object object) {
-    levels_.push_back({object.begin(), object.end(), {}, {}, true});
-    return levels_.size() <= JsonSerialization::kMaximumDepth;
-  }
-
-  bool Enter(dom::array array) {
-    levels_.push_back({{}, {}, array.begin(), array.end(), false});
+  // False when the nesting is too deep.
+  bool Enter(const dom::element& container, JsonVisitor& visitor) {
+    Level& level = levels_.emplace_back();
+    level.isObject = container.is_object();
+    if (level.isObject) {
+      visitor.BeginObject();
+      const dom::object object = container.get_object().value_unsafe();
+      level.member = object.begin();
+      level.memberEnd = object.end();
+    } else {
+      visitor.BeginArray();
+      const dom::array array = container.get_array().value_unsafe();
+      level.element = array.begin();
+      level.elementEnd = array.end();
+    }
     return levels_.size() <= JsonSerialization::kMaximumDepth;
   }
 

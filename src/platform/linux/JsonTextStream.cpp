@@ -10,59 +10,67 @@ namespace Platform {
 namespace {
 
 constexpr std::size_t kFirstCapacity = 1024;
-constexpr std::size_t kWordSize = sizeof(std::uint64_t);
 
 // A word of eight times the byte.
 constexpr std::uint64_t Eight(unsigned char byte) { return 0x0101010101010101U * byte; }
 
 bool IsPlain(char c) { return static_cast<unsigned char>(c) >= 0x20 && c != '"' && c != '\\'; }
 
-bool HasZeroByte(std::uint64_t word) { return ((word - Eight(1)) & ~word & Eight(0x80)) != 0; }
-
-// True when none of eight bytes needs an escape.
-bool ArePlain(std::uint64_t bytes) {
-  const bool hasControl = ((bytes - Eight(0x20)) & ~bytes & Eight(0x80)) != 0;
-  return !hasControl && !HasZeroByte(bytes ^ Eight('"')) && !HasZeroByte(bytes ^ Eight('\\'));
+// Not zero where one of eight bytes is zero.
+constexpr std::uint64_t ZeroBytes(std::uint64_t word) {
+  return (word - Eight(1)) & ~word & Eight(0x80);
 }
 
-template <class Word>
-std::uint64_t WordAt(const char* bytes) {
-  Word word = 0;
-  std::memcpy(&word, bytes, sizeof word);
-  return word;
+// Not zero where one of eight bytes needs an escape.
+constexpr std::uint64_t BytesToEscape(std::uint64_t word) {
+  const std::uint64_t controls = (word - Eight(0x20)) & ~word & Eight(0x80);
+  return controls | ZeroBytes(word ^ Eight('"')) | ZeroBytes(word ^ Eight('\\'));
 }
 
-// What must be known of a text before it is put.
-struct Survey {
-  bool isPlain = true;     // nothing in it needs an escape
-  std::uint64_t seen = 0;  // the bits of all bytes
-
-  void Take(std::uint64_t word) {
-    seen |= word;
-    isPlain = isPlain && ArePlain(word);
-  }
-};
-
-Survey Look(std::string_view text) {
-  Survey survey;
-  const char* const end = text.data() + text.size();
-  if (text.size() >= kWordSize) {
-    for (const char* at = text.data(); end - at > std::ptrdiff_t{kWordSize}; at += kWordSize) {
-      survey.Take(WordAt<std::uint64_t>(at));
+// Copies a text as it is, and notes what must be known of it.
+class SurveyingCopy {
+ public:
+  SurveyingCopy(std::string_view from, char* to) {
+    const std::size_t size = from.size();
+    if (size >= sizeof(std::uint64_t)) {
+      CopyWords<std::uint64_t>(from.data(), to, size);
+    } else if (size >= sizeof(std::uint32_t)) {
+      CopyWords<std::uint32_t>(from.data(), to, size);
+    } else {
+      for (std::size_t i = 0; i < size; ++i) CopyWord<std::uint8_t>(from.data() + i, to + i);
     }
-    // Some bytes are seen twice, which does no harm.
-    survey.Take(WordAt<std::uint64_t>(end - kWordSize));
-    return survey;
   }
-  constexpr std::size_t kHalf = sizeof(std::uint32_t);
-  if (text.size() >= kHalf) {
-    survey.Take(WordAt<std::uint32_t>(text.data()) | WordAt<std::uint32_t>(end - kHalf)
-                                                         << (8 * kHalf));
-    return survey;
+
+  bool IsPlain() const { return toEscape_ == 0; }
+  bool IsAscii() const { return (seen_ & Eight(0x80)) == 0; }
+
+ private:
+  // At least one word. The last is taken from the end, so that some bytes may be copied twice.
+  template <class Word>
+  void CopyWords(const char* from, char* to, std::size_t size) {
+    const std::size_t last = size - sizeof(Word);
+    for (std::size_t i = 0; i < last; i += sizeof(Word)) CopyWord<Word>(from + i, to + i);
+    CopyWord<Word>(from + last, to + last);
   }
-  for (const char c : text) survey.Take(Eight(static_cast<unsigned char>(c)));
-  return survey;
-}
+
+  template <class Word>
+  void CopyWord(const char* from, char* to) {
+    Word word = 0;
+    std::memcpy(&word, from, sizeof word);
+    std::memcpy(to, &word, sizeof word);
+    seen_ |= word;
+    // The bytes that a short word lacks become plain ones.
+    toEscape_ |= BytesToEscape(word | Filling(sizeof(Word)));
+  }
+
+  // Blanks for all but the first bytes of a word.
+  static constexpr std::uint64_t Filling(std::size_t bytes) {
+    return bytes == sizeof(std::uint64_t) ? 0 : Eight(' ') << (8 * bytes);
+  }
+
+  std::uint64_t seen_ = 0;  // the bits of all bytes
+  std::uint64_t toEscape_ = 0;
+};
 
 // The letter of a short escape, or 0 where there is none.
 char ShortEscape(char c) {
@@ -88,17 +96,16 @@ char ShortEscape(char c) {
 }  // namespace
 
 bool JsonTextStream::PutQuoted(std::string_view content) {
-  const Survey survey = Look(content);
   Reserve(content.size() + 2);
   PutUnsafe('"');
-  if (survey.isPlain) {
-    std::copy(content.begin(), content.end(), end_);
+  const SurveyingCopy copy(content, end_);
+  if (copy.IsPlain()) {
     end_ += content.size();
   } else {
     PutOneByOne(content);
   }
   Put('"');
-  return (survey.seen & Eight(0x80)) == 0 || IsValidUtf8(content);
+  return copy.IsAscii() || IsValidUtf8(content);
 }
 
 void JsonTextStream::PutOneByOne(std::string_view characters) {

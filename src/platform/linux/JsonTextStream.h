@@ -34,9 +34,8 @@ class JsonTextStream {
     if (static_cast<std::size_t>(limit_ - end_) < count) Grow(count);
   }
 
-  // Puts so many blanks, but no more than the maximum.
-  void PutBlanks(std::size_t count) {
-    Reserve(kMaximumBlanks);
+  // Puts so many blanks, but no more than the maximum, for which room was reserved before.
+  void PutBlanksUnsafe(std::size_t count) {
     std::memset(end_, ' ', kMaximumBlanks);
     end_ += std::min(count, kMaximumBlanks);
   }
@@ -66,8 +65,5 @@ class JsonTextStream {
 inline void PutReserve(JsonTextStream& stream, std::size_t count) { stream.Reserve(count); }
 
 inline void PutUnsafe(JsonTextStream& stream, char c) { stream.PutUnsafe(c); }
-
-// Only indentation comes this way.
-inline void PutN(JsonTextStream& stream, char, std::size_t count) { stream.PutBlanks(count); }
 
 }  // namespace Platform

@@ -23,12 +23,40 @@ inline bool Writer<Platform::JsonTextStream>::WriteString(const char* text, Size
   return os_->PutQuoted({text, length});
 }
 
+// What comes before a key or a value. RapidJSON's own asks for room at each character.
+template <>
+inline void PrettyWriter<Platform::JsonTextStream>::PrettyPrefix(Type) {
+  if (level_stack_.Empty()) return;
+  Level& level = *level_stack_.Top<Level>();
+  const bool isMemberValue = !level.inArray && level.valueCount % 2 == 1;
+  os_->Reserve(2 + Platform::JsonTextStream::kMaximumBlanks);
+  if (isMemberValue) {
+    os_->PutUnsafe(':');
+    os_->PutUnsafe(' ');
+  } else {
+    if (level.valueCount > 0) os_->PutUnsafe(',');
+    os_->PutUnsafe('\n');
+    os_->PutBlanksUnsafe(level_stack_.GetSize() / sizeof(Level) * indentCharCount_);
+  }
+  ++level.valueCount;
+}
+
+// Before a bracket that closes a container that is not empty.
+template <>
+inline void PrettyWriter<Platform::JsonTextStream>::WriteIndent() {
+  os_->Reserve(Platform::JsonTextStream::kMaximumBlanks);
+  os_->PutBlanksUnsafe(level_stack_.GetSize() / sizeof(Level) * indentCharCount_);
+}
+
 }  // namespace rapidjson
 
 namespace Platform {
 namespace {
 
 constexpr unsigned kIndentation = 2;
+
+// Few texts nest deeper.
+constexpr std::size_t kUsualDepth = 8;
 
 constexpr const char* kNoNesting = "The parts do not nest";
 
@@ -47,10 +75,11 @@ void Prepare(rapidjson::Writer<JsonTextStream>&) {}
 
 // Hands on to RapidJSON what can be written, in an order that makes sense; it checks neither.
 template <class RapidWriter>
-class TextWriter : public JsonVisitor {
+class TextWriter final : public JsonVisitor {
  public:
   explicit TextWriter(JsonTextStream& stream) : stream_(stream), writer_(stream) {
     Prepare(writer_);
+    outer_.reserve(kUsualDepth);
   }
 
   std::optional<std::string> Finish(std::string& problem) {

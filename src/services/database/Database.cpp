@@ -70,8 +70,10 @@ bool Bind(sqlite3_stmt* statement, int parameter, const Variant& value) {
 // The result of the last step: Done or Failed.
 StepResult RunToEnd(SqlStatement& statement, QueryResult* result) {
   StepResult step = statement.Step();
-  const bool hasRows = result != nullptr && step == StepResult::Row;
-  const auto columnNames = hasRows ? statement.ColumnNames() : std::vector<std::string>();
+  // Only the log tells them.
+  const bool needsNames =
+      result != nullptr && step == StepResult::Row && Log::Precheck(LoggingMode::Trace);
+  const auto columnNames = needsNames ? statement.ColumnNames() : std::vector<std::string>();
   for (; step == StepResult::Row; step = statement.Step()) {
     if (result != nullptr) result->SetArgs(statement.Row(), columnNames);
   }

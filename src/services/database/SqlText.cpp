@@ -50,14 +50,15 @@ std::string TableExists(const std::string& table) {
 
 std::string Insert(const std::string& table,
                    const std::map<std::string, std::shared_ptr<Variant>>& values) {
-  std::string columns;
+  std::string sql = "INSERT INTO " + table + " (";
   std::string placeholders;
+  std::string_view separator;
   for (const auto& [column, value] : values) {
-    columns.append(column).append(kSeparator);
-    placeholders.append("?").append(kSeparator);
+    sql.append(separator).append(column);
+    placeholders.append(separator).append("?");
+    separator = kSeparator;
   }
-  return "INSERT INTO " + table + " (" + WithoutLastSeparator(std::move(columns)) + ") VALUES (" +
-         WithoutLastSeparator(std::move(placeholders)) + ");";
+  return sql.append(") VALUES (").append(placeholders).append(");");
 }
 
 std::string Update(const std::string& table,

@@ -21,8 +21,9 @@ std::shared_ptr<JsonSerialization> PlatformJson() {
 
 std::string_view UpToZero(std::string_view text) { return text.substr(0, text.find('\0')); }
 
-// True when a key may hold a zero byte. Such keys are cut off on their way to the core, and which
-// of those that become the same key wins depends on their order in the platform's value.
+// True when a string of the JSON text may hold a zero byte. It takes the conversions to say what
+// becomes of such a string: a key is cut off there on its way to the core, and which of those that
+// become the same key wins depends on their order in the platform's value.
 bool MayHoldZero(std::string_view text) { return text.find("\\u0000") != std::string_view::npos; }
 
 // Lets `builder` hear the text. False, with the problem, when it cannot be read.
@@ -61,7 +62,7 @@ std::optional<std::string> Write(const Container& container, std::string& proble
     complete = JsonVariantTeller(visitor).Tell(container);
   };
   auto text = PlatformJson()->Write(tell, JsonLayout::Pretty, nullptr);
-  if (complete && text) return text;
+  if (complete && text && !MayHoldZero(*text)) return text;
   return Convert(container, problem);
 }
 

@@ -1,7 +1,6 @@
 #include "services/json/JsonVariantBuilder.h"
 
 #include <cstddef>
-#include <iterator>
 #include <string>
 #include <utility>
 
@@ -55,12 +54,9 @@ void JsonVariantBuilder::EndArray() {
 }
 
 void JsonVariantBuilder::Key(std::string_view key) {
-  Level& level = levels_.back();
-  const auto entry = level.isInOrder
-                         ? level.members.try_emplace(level.members.end(), std::string(key))
-                         : level.members.try_emplace(std::string(key)).first;
-  level.isInOrder = level.isInOrder && std::next(entry) == level.members.end();
-  level.member = &entry->second;
+  // Texts that were written from a map have their keys in order, so that each belongs at the end.
+  VariantMap& members = levels_.back().members;
+  levels_.back().member = &members.emplace_hint(members.end(), key, nullptr)->second;
 }
 
 void JsonVariantBuilder::String(std::string_view text) {
@@ -74,15 +70,15 @@ void JsonVariantBuilder::Double(double number) { Add(Variant::FromDouble(number)
 void JsonVariantBuilder::Boolean(bool value) {
   std::shared_ptr<Variant>& boolean = value ? true_ : false_;
   if (!boolean) boolean = Variant::FromBoolean(value);
-  Add(boolean);
+  Add(std::shared_ptr(boolean));
 }
 
 void JsonVariantBuilder::Null() {
   if (!null_) null_ = Variant::FromNull();
-  Add(null_);
+  Add(std::shared_ptr(null_));
 }
 
-void JsonVariantBuilder::Add(std::shared_ptr<Variant> value) {
+void JsonVariantBuilder::Add(std::shared_ptr<Variant>&& value) {
   Level& level = levels_.back();
   if (level.isObject) {
     *level.member = std::move(value);

@@ -13,7 +13,7 @@ namespace Velmora {
 
 // Makes variants of the JSON that it hears, as ToVariantMap and ToVariantVector would make them of
 // the value of the same text, without the value; where keys hold no zero byte.
-class JsonVariantBuilder : public Platform::JsonVisitor {
+class JsonVariantBuilder final : public Platform::JsonVisitor {
  public:
   JsonVariantBuilder();
 
@@ -36,13 +36,12 @@ class JsonVariantBuilder : public Platform::JsonVisitor {
   // A container that has not ended. Its map's nodes stay where they are when the map is moved.
   struct Level {
     bool isObject = false;
-    bool isInOrder = true;  // the keys so far, as those of a text that was written from a map are
     VariantMap members;
     VariantVector elements;
     std::shared_ptr<Variant>* member = nullptr;  // that waits for its value
   };
 
-  void Add(std::shared_ptr<Variant> value);
+  void Add(std::shared_ptr<Variant>&& value);
 
   std::vector<Level> levels_;
   std::optional<VariantMap> map_;

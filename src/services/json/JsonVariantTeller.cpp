@@ -1,9 +1,13 @@
 #include "services/json/JsonVariantTeller.h"
 
+#include <cstddef>
 #include <string>
 
 namespace Velmora {
 namespace {
+
+// Few containers nest deeper.
+constexpr std::size_t kUsualDepth = 8;
 
 bool HasZero(const std::string& text) { return text.find('\0') != std::string::npos; }
 
@@ -15,7 +19,16 @@ bool IsLeftOut(const std::shared_ptr<Variant>& value) {
   return kind == VariantKind::Null;
 }
 
+bool IsContainer(const Variant& value) {
+  return value.GetKind() == VariantKind::VariantVector ||
+         value.GetKind() == VariantKind::VariantMap;
+}
+
 }  // namespace
+
+JsonVariantTeller::JsonVariantTeller(Platform::JsonVisitor& visitor) : visitor_(visitor) {
+  levels_.reserve(kUsualDepth);
+}
 
 bool JsonVariantTeller::Tell(const VariantMap& map) {
   Enter(map);
@@ -29,68 +42,78 @@ bool JsonVariantTeller::Tell(const VariantVector& vector) {
 
 bool JsonVariantTeller::Run() {
   while (!levels_.empty()) {
-    if (!Step()) return false;
+    const bool canGoOn = levels_.back().members != nullptr ? TellMembers() : TellElements();
+    if (!canGoOn) return false;
   }
   return true;
 }
 
-bool JsonVariantTeller::Step() {
-  return levels_.back().members != nullptr ? StepMember() : StepElement();
-}
-
-bool JsonVariantTeller::StepMember() {
+bool JsonVariantTeller::TellMembers() {
   Level& level = levels_.back();
-  if (level.member == level.members->end()) {
-    levels_.pop_back();
-    visitor_.EndObject();
-    return true;
+  for (auto member = level.member; member != level.members->end();) {
+    const auto& [key, value] = *member;
+    ++member;
+    if (key.empty()) return false;
+    if (IsLeftOut(value)) {
+      // Under a key that is cut off it would take away another member.
+      if (HasZero(key)) return false;
+      continue;
+    }
+    visitor_.Key(key);
+    if (IsContainer(*value)) {
+      level.member = member;
+      EnterValue(*value);
+      return true;
+    }
+    TellScalar(*value);
   }
-  const auto& [key, value] = *level.member;
-  ++level.member;
-  if (key.empty() || HasZero(key)) return false;
-  if (IsLeftOut(value)) return true;
-  visitor_.Key(key);
-  return TellValue(*value);
+  levels_.pop_back();
+  visitor_.EndObject();
+  return true;
 }
 
-bool JsonVariantTeller::StepElement() {
+bool JsonVariantTeller::TellElements() {
   Level& level = levels_.back();
-  if (level.element == level.elements->size()) {
-    levels_.pop_back();
-    visitor_.EndArray();
-    return true;
+  for (auto element = level.element; element != level.elements->end();) {
+    const std::shared_ptr<Variant>& value = *element;
+    ++element;
+    if (IsLeftOut(value)) return false;
+    if (IsContainer(*value)) {
+      level.element = element;
+      EnterValue(*value);
+      return true;
+    }
+    TellScalar(*value);
   }
-  const std::shared_ptr<Variant>& value = (*level.elements)[level.element];
-  ++level.element;
-  return !IsLeftOut(value) && TellValue(*value);
+  levels_.pop_back();
+  visitor_.EndArray();
+  return true;
 }
 
-bool JsonVariantTeller::TellValue(const Variant& value) {
+void JsonVariantTeller::TellScalar(const Variant& value) {
   switch (value.GetKind()) {
     case VariantKind::String:
-      if (HasZero(value.GetString())) return false;
-      visitor_.String(value.GetString());
-      return true;
+      return visitor_.String(value.GetString());
     case VariantKind::Integer:
     case VariantKind::Long:
-      visitor_.Integer(value.GetLong());
-      return true;
+      return visitor_.Integer(value.GetLong());
     case VariantKind::Double:
-      visitor_.Double(value.GetDouble());
-      return true;
+      return visitor_.Double(value.GetDouble());
     case VariantKind::Boolean:
-      visitor_.Boolean(value.GetBoolean());
-      return true;
+      return visitor_.Boolean(value.GetBoolean());
     case VariantKind::VariantVector:
-      Enter(value.GetVariantVector());
-      return true;
     case VariantKind::VariantMap:
-      Enter(value.GetVariantMap());
-      return true;
     case VariantKind::Null:
-      break;
+      return;
   }
-  return false;
+}
+
+void JsonVariantTeller::EnterValue(const Variant& container) {
+  if (container.GetKind() == VariantKind::VariantMap) {
+    Enter(container.GetVariantMap());
+  } else {
+    Enter(container.GetVariantVector());
+  }
 }
 
 void JsonVariantTeller::Enter(const VariantMap& map) {
@@ -102,7 +125,9 @@ void JsonVariantTeller::Enter(const VariantMap& map) {
 
 void JsonVariantTeller::Enter(const VariantVector& vector) {
   visitor_.BeginArray();
-  levels_.emplace_back().elements = &vector;
+  Level& level = levels_.emplace_back();
+  level.elements = &vector;
+  level.element = vector.begin();
 }
 
 }  // namespace Velmora

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <vector>
 
 #include "QEXCore_iOS/Platform/JsonSerialization.h"
@@ -12,10 +11,12 @@ namespace Velmora {
 // value on the platform (null, the empty string) are left out. Serves one call only.
 class JsonVariantTeller {
  public:
-  explicit JsonVariantTeller(Platform::JsonVisitor& visitor) : visitor_(visitor) {}
+  explicit JsonVariantTeller(Platform::JsonVisitor& visitor);
 
-  // False when there is something that takes the conversion itself to decide: a text with a zero
-  // byte, an empty key, an element without a value. The visitor has then heard a part.
+  // False when there is something that takes the conversion itself to decide: an empty key, an
+  // element without a value, a member left out whose key has a zero byte. The visitor has then
+  // heard a part. Other texts with a zero byte, which are such things as well, are told as they
+  // are.
   bool Tell(const VariantMap& map);
   bool Tell(const VariantVector& vector);
 
@@ -25,14 +26,18 @@ class JsonVariantTeller {
     const VariantMap* members = nullptr;
     VariantMap::const_iterator member;
     const VariantVector* elements = nullptr;
-    std::size_t element = 0;
+    VariantVector::const_iterator element;
   };
 
   bool Run();
-  bool Step();
-  bool StepMember();
-  bool StepElement();
-  bool TellValue(const Variant& value);
+
+  // Tell what is left of the innermost container: up to the next container in it, which is entered,
+  // or to its end.
+  bool TellMembers();
+  bool TellElements();
+
+  void TellScalar(const Variant& value);
+  void EnterValue(const Variant& container);
   void Enter(const VariantMap& map);
   void Enter(const VariantVector& vector);
 
