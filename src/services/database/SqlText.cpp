@@ -7,15 +7,15 @@ namespace {
 
 constexpr std::string_view kSeparator = ", ";
 
-std::string WithoutLastSeparator(std::string list) {
-  if (!list.empty()) list.resize(list.size() - kSeparator.size());
-  return list;
-}
-
 std::string ColumnsOf(const Query& query) {
+  if (query.GetColumns().empty()) return "*";
   std::string columns;
-  for (const std::string& column : query.GetColumns()) columns.append(column).append(kSeparator);
-  return columns.empty() ? "*" : WithoutLastSeparator(std::move(columns));
+  std::string_view separator;
+  for (const std::string& column : query.GetColumns()) {
+    columns.append(separator).append(column);
+    separator = kSeparator;
+  }
+  return columns;
 }
 
 void AppendClause(std::string_view keyword, const std::string& clause, std::string& sql) {
@@ -64,13 +64,14 @@ std::string Insert(const std::string& table,
 std::string Update(const std::string& table,
                    const std::map<std::string, std::shared_ptr<Variant>>& values,
                    const std::string& whereClause, const std::vector<std::string>& whereArgs) {
-  std::string assignments;
+  std::string sql = "Update " + table + " SET ";
+  std::string_view separator;
   for (const auto& [column, value] : values) {
-    assignments.append(column).append("=?").append(kSeparator);
+    sql.append(separator).append(column).append("=?");
+    separator = kSeparator;
   }
-  std::string sql = "Update " + table + " SET " + WithoutLastSeparator(std::move(assignments));
   const std::string where = SubstituteArguments(whereClause, whereArgs);
-  if (!where.empty()) sql += " WHERE " + where;
+  if (!where.empty()) sql.append(" WHERE ").append(where);
   return sql;
 }
 
