@@ -7,6 +7,7 @@
 #include "VelmoraCore/Log.h"
 #include "VelmoraCore/SdkError.h"
 #include "base/JsonToVariant.h"
+#include "base/LogText.h"
 
 namespace Velmora {
 namespace {
@@ -76,7 +77,7 @@ std::string GetEventDataAsString(const std::shared_ptr<Event>& event,
     return object == nullptr ? std::string() : object->ToString();
   } catch (const std::exception& error) {
     Log::Error(kLogTag, "The data of the event %s cannot be written as JSON: %s",
-               event->GetName().c_str(), error.what());
+               LogText::Readable(event->GetName()).c_str(), error.what());
     return {};
   }
 }

@@ -226,6 +226,14 @@ TEST_F(EventFunctions, LogDataThatCannotBeWritten) {
   EXPECT_EQ(GetEventDataAsString(Broadcast("{\"a\":1}"), mockJson_), "");
 }
 
+TEST_F(EventFunctions, LogANameThatHasSeveralLinesAsOne) {
+  EXPECT_CALL(*mockJson_, CreateJsonObject(A<JsonMembers>())).WillOnce(Throw(SerializationError()));
+  log_.ExpectLine(LogLevel::Error, "Event", testing::Not(testing::HasSubstr("\n")));
+
+  const auto event = CreateBroadcastEvent(json_, "two\nlines", "type", "source", "{\"a\":1}");
+  EXPECT_EQ(GetEventDataAsString(event, mockJson_), "");
+}
+
 TEST_F(EventFunctions, GiveEmptyTextsWithoutAnEvent) {
   EXPECT_EQ(GetEventTypeAsString(nullptr), "");
   EXPECT_EQ(GetEventSourceAsString(nullptr), "");
