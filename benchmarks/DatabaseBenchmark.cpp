@@ -155,6 +155,7 @@ void Fill(Side& side, int rows) {
 template <class Side>
 void InsertAll(benchmark::State& state, Side& side) {
   std::vector<typename Side::Row> rows;
+  rows.reserve(static_cast<std::size_t>(state.max_iterations));
   for (benchmark::IterationCount id = 0; id < state.max_iterations; ++id) {
     rows.push_back(Side::MakeRow(static_cast<int>(id)));
   }

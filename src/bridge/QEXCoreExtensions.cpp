@@ -84,12 +84,14 @@ bool QEXCore::dispatchEventWithResponseCallback(
     const EventPointer& event, std::function<void(const EventPointer&)> responseCallback,
     Platform::Error* error) {
   return Ask("dispatchEventWithResponseCallback", error, [&](const Refusal& refusal) {
-    auto onResponse =
-        [callback = std::move(responseCallback)](const std::shared_ptr<Velmora::Event>& response) {
-          if (!callback) return;
-          GuardHostCall("the callback of dispatchEventWithResponseCallback",
-                        [&] { callback(Velmora::CreateQEXExtensionEventFromEvent(response)); });
-        };
+    std::function<void(const std::shared_ptr<Velmora::Event>&)> onResponse;
+    if (responseCallback) {
+      onResponse = [callback = std::move(responseCallback)](
+                       const std::shared_ptr<Velmora::Event>& response) {
+        GuardHostCall("the callback of dispatchEventWithResponseCallback",
+                      [&] { callback(Velmora::CreateQEXExtensionEventFromEvent(response)); });
+      };
+    }
     GetCore()->DispatchEventWithResponseCallback(GetEventFromQEXExtensionEvent(event),
                                                  std::move(onResponse), refusal.ErrorFunction());
   });

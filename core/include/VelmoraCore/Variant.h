@@ -76,10 +76,6 @@ class VELMORA_CORE_API Variant {
   explicit Variant(VariantKind kind) : kind_(kind) {}
   ~Variant() = default;
 
-  // The value of a variant whose kind is that of T.
-  template <class T>
-  const T& Held() const;
-
   const VariantKind kind_;
 };
 

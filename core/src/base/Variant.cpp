@@ -1,6 +1,7 @@
 #include "VelmoraCore/Variant.h"
 
 #include <cmath>
+#include <cstddef>
 #include <limits>
 #include <type_traits>
 #include <utility>
@@ -197,19 +198,13 @@ class Variant::Holding : public Variant {
       ReleaseElements(value_);
     }
   }
-  Holding(const Holding&) = delete;
-  Holding& operator=(const Holding&) = delete;
 
-  const T& Value() const { return value_; }
+  // The value of a variant whose kind is that of T.
+  static const T& Of(const Variant& variant) { return static_cast<const Holding&>(variant).value_; }
 
  private:
   T value_;
 };
-
-template <class T>
-const T& Variant::Held() const {
-  return static_cast<const Holding<T>&>(*this).Value();
-}
 
 std::shared_ptr<Variant> Variant::FromString(std::string text) {
   return std::make_shared<Holding<std::string>>(VariantKind::String, std::move(text));
@@ -250,17 +245,17 @@ bool Variant::IsNumericKind() const {
 
 const std::string& Variant::GetString() const {
   if (kind_ != VariantKind::String) ThrowWrongKind(kind_, "string", __LINE__);
-  return Held<std::string>();
+  return Holding<std::string>::Of(*this);
 }
 
 std::int32_t Variant::GetInteger() const {
   switch (kind_) {
     case VariantKind::Integer:
-      return Held<std::int32_t>();
+      return Holding<std::int32_t>::Of(*this);
     case VariantKind::Long:
-      return NarrowInteger(Held<std::int64_t>());
+      return NarrowInteger(Holding<std::int64_t>::Of(*this));
     case VariantKind::Double:
-      return IntegerFromDouble<std::int32_t>(Held<double>());
+      return IntegerFromDouble<std::int32_t>(Holding<double>::Of(*this));
     default:
       ThrowWrongKind(kind_, "number", __LINE__);
   }
@@ -269,11 +264,11 @@ std::int32_t Variant::GetInteger() const {
 std::int64_t Variant::GetLong() const {
   switch (kind_) {
     case VariantKind::Integer:
-      return Held<std::int32_t>();
+      return Holding<std::int32_t>::Of(*this);
     case VariantKind::Long:
-      return Held<std::int64_t>();
+      return Holding<std::int64_t>::Of(*this);
     case VariantKind::Double:
-      return IntegerFromDouble<std::int64_t>(Held<double>());
+      return IntegerFromDouble<std::int64_t>(Holding<double>::Of(*this));
     default:
       ThrowWrongKind(kind_, "number", __LINE__);
   }
@@ -282,11 +277,11 @@ std::int64_t Variant::GetLong() const {
 double Variant::GetDouble() const {
   switch (kind_) {
     case VariantKind::Integer:
-      return Held<std::int32_t>();
+      return Holding<std::int32_t>::Of(*this);
     case VariantKind::Long:
-      return static_cast<double>(Held<std::int64_t>());
+      return static_cast<double>(Holding<std::int64_t>::Of(*this));
     case VariantKind::Double:
-      return Held<double>();
+      return Holding<double>::Of(*this);
     default:
       ThrowWrongKind(kind_, "number", __LINE__);
   }
@@ -294,17 +289,17 @@ double Variant::GetDouble() const {
 
 bool Variant::GetBoolean() const {
   if (kind_ != VariantKind::Boolean) ThrowWrongKind(kind_, "boolean", __LINE__);
-  return Held<bool>();
+  return Holding<bool>::Of(*this);
 }
 
 const VariantVector& Variant::GetVariantVector() const {
   if (kind_ != VariantKind::VariantVector) ThrowWrongKind(kind_, "vector", __LINE__);
-  return Held<VariantVector>();
+  return Holding<VariantVector>::Of(*this);
 }
 
 const VariantMap& Variant::GetVariantMap() const {
   if (kind_ != VariantKind::VariantMap) ThrowWrongKind(kind_, "map", __LINE__);
-  return Held<VariantMap>();
+  return Holding<VariantMap>::Of(*this);
 }
 
 bool Variant::AreEqual(const std::shared_ptr<Variant>& left,

@@ -165,7 +165,8 @@ std::string WithLongIntegersAsDoubles(std::string_view text) {
     }
     at = end;
   }
-  return result.append(text, copied);
+  result.append(text, copied);
+  return result;
 }
 
 JsonRefusal RefusalOf(simdjson::error_code code) {

@@ -23,7 +23,8 @@ inline bool Writer<Platform::JsonTextStream>::WriteString(const char* text, Size
   return os_->PutQuoted({text, length});
 }
 
-// What comes before a key or a value. RapidJSON's own asks for room at each character.
+// What comes before a key or a value. RapidJSON's own asks for room at each character. Knows blanks
+// and one element a line only; that the order makes sense is seen to by TextWriter.
 template <>
 inline void PrettyWriter<Platform::JsonTextStream>::PrettyPrefix(Type) {
   if (level_stack_.Empty()) return;

@@ -73,12 +73,9 @@ std::string QueryResult::Get(std::uint32_t index) const { return Cell(index); }
 
 void QueryResult::SetArgs(std::vector<std::string> row,
                           const std::vector<std::string>& columnNames) {
-  if (Log::Precheck(LoggingMode::Trace)) {
-    const std::size_t named = std::min(row.size(), columnNames.size());
-    for (std::size_t column = 0; column < named; ++column) {
-      Log::Trace(kLogTag, "QueryResult: <%s> = %s", columnNames[column].c_str(),
-                 row[column].c_str());
-    }
+  const std::size_t named = std::min(row.size(), columnNames.size());
+  for (std::size_t column = 0; column < named; ++column) {
+    Log::Trace(kLogTag, "QueryResult: <%s> = %s", columnNames[column].c_str(), row[column].c_str());
   }
   rows_.push_back(std::move(row));
 }

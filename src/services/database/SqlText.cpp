@@ -58,7 +58,8 @@ std::string Insert(const std::string& table,
     placeholders.append(separator).append("?");
     separator = kSeparator;
   }
-  return sql.append(") VALUES (").append(placeholders).append(");");
+  sql.append(") VALUES (").append(placeholders).append(");");
+  return sql;
 }
 
 std::string Update(const std::string& table,

@@ -55,8 +55,8 @@ void JsonVariantBuilder::EndArray() {
 
 void JsonVariantBuilder::Key(std::string_view key) {
   // Texts that were written from a map have their keys in order, so that each belongs at the end.
-  VariantMap& members = levels_.back().members;
-  levels_.back().member = &members.emplace_hint(members.end(), key, nullptr)->second;
+  Level& level = levels_.back();
+  level.member = &level.members.emplace_hint(level.members.end(), key, nullptr)->second;
 }
 
 void JsonVariantBuilder::String(std::string_view text) {
@@ -70,15 +70,15 @@ void JsonVariantBuilder::Double(double number) { Add(Variant::FromDouble(number)
 void JsonVariantBuilder::Boolean(bool value) {
   std::shared_ptr<Variant>& boolean = value ? true_ : false_;
   if (!boolean) boolean = Variant::FromBoolean(value);
-  Add(std::shared_ptr(boolean));
+  Add(boolean);
 }
 
 void JsonVariantBuilder::Null() {
   if (!null_) null_ = Variant::FromNull();
-  Add(std::shared_ptr(null_));
+  Add(null_);
 }
 
-void JsonVariantBuilder::Add(std::shared_ptr<Variant>&& value) {
+void JsonVariantBuilder::Add(std::shared_ptr<Variant> value) {
   Level& level = levels_.back();
   if (level.isObject) {
     *level.member = std::move(value);

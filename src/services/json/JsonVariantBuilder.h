@@ -41,7 +41,7 @@ class JsonVariantBuilder final : public Platform::JsonVisitor {
     std::shared_ptr<Variant>* member = nullptr;  // that waits for its value
   };
 
-  void Add(std::shared_ptr<Variant>&& value);
+  void Add(std::shared_ptr<Variant> value);
 
   std::vector<Level> levels_;
   std::optional<VariantMap> map_;

@@ -15,8 +15,8 @@ class JsonVariantTeller {
 
   // False when there is something that takes the conversion itself to decide: an empty key, an
   // element without a value, a member left out whose key has a zero byte. The visitor has then
-  // heard a part. Other texts with a zero byte, which are such things as well, are told as they
-  // are.
+  // heard a part. Other texts with a zero byte are told as they are; the caller must look for them
+  // in what the visitor made.
   bool Tell(const VariantMap& map);
   bool Tell(const VariantVector& vector);
 

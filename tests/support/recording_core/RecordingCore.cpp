@@ -254,7 +254,7 @@ void Core::DispatchEventWithResponseCallback(
     std::function<void(SdkError&)> onError) {
   Record("DispatchEventWithResponseCallback", this, {.event = event});
   const std::shared_ptr<Event> response = CurrentScript().response;
-  if (Refuse(std::move(onError)) || !response) return;
+  if (Refuse(std::move(onError)) || !response || !onResponse) return;
   Deliver([onResponse = std::move(onResponse), response] { onResponse(response); });
 }
 

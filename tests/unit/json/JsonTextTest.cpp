@@ -1,5 +1,6 @@
 // The short ways between text and variants give what the long ways by a platform value give.
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <thread>
@@ -124,6 +125,8 @@ TEST_F(JsonTextTest, WritesAwkwardVariantsAsByWayOfAValue) {
       {{"\xff", unwritable}},
       {{"a", Variant::FromString("\xff")}},
       {{"a", Variant::FromString(zero)}},
+      {{"a", Variant::FromString("\\u0000")}},
+      {{"\\u0000", one}},
       {{"a", Variant::FromString("x" + zero + "\xff")}},
       {{"a", Variant::FromDouble(NAN)}},
       {{"a", Variant::FromVariantMap({})}, {"b", Variant::FromVariantVector({})}},
@@ -133,6 +136,23 @@ TEST_F(JsonTextTest, WritesAwkwardVariantsAsByWayOfAValue) {
     ExpectSameWriting(map);
     ExpectSameWriting(VariantVector{one, Variant::FromVariantMap(map)});
   }
+}
+
+TEST_F(JsonTextTest, IndentsDeepContainersByNoMoreThan64Blanks) {
+  constexpr int kDepth = 40;
+  auto value = Variant::FromInteger(1);
+  for (int level = 0; level < kDepth; ++level) value = Variant::FromVariantMap({{"a", value}});
+
+  std::string problem;
+  const std::string text = WriteJson(value->GetVariantMap(), problem).value();
+  std::string expected = "{";
+  const auto newLine = [](int level) {
+    return '\n' + std::string(static_cast<std::size_t>(std::min(2 * level, 64)), ' ');
+  };
+  for (int level = 1; level < kDepth; ++level) expected += newLine(level) + "\"a\": {";
+  expected += newLine(kDepth) + "\"a\": 1";
+  for (int level = kDepth; level > 0; --level) expected += newLine(level - 1) + "}";
+  EXPECT_EQ(text, expected);
 }
 
 TEST_F(JsonTextTest, RoundTripsRandomTexts) {
