@@ -146,6 +146,11 @@ void Database::OutliveFile() {
   connection_.KeepJournalInMemory();
 }
 
+void Database::KeepFile() {
+  const std::lock_guard lock(mutex_);
+  connection_.KeepJournalBesideFile();
+}
+
 bool Database::TableExistQuery(const std::string& table) {
   QueryResult result;
   RunQuerySqlite(SqlText::TableExists(table).c_str(), &result, {});

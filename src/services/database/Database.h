@@ -52,6 +52,9 @@ class Database final : public Object, public virtual DatabaseInterface {
   // To be called before the file is removed: holders go on with the file that has no name then.
   void OutliveFile();
 
+  // To be called when the file could not be removed.
+  void KeepFile();
+
   // Names are compared byte by byte.
   bool TableExistQuery(const std::string& table);
 

@@ -16,7 +16,8 @@ std::string PathIn(std::string directory, const std::string& name) {
   return directory.empty() && !isAbsolute ? name : directory + "/" + name;
 }
 
-bool RemoveFile(const std::string& path) {
+bool RemoveFile(const std::string& path, Database& database) {
+  database.OutliveFile();
   const std::shared_ptr<Platform::FileManager> files = Platform::Host::Current()->fileManager;
   switch (files->TypeOfItem(path)) {
     case Platform::FileType::Missing:
@@ -26,16 +27,19 @@ bool RemoveFile(const std::string& path) {
     case Platform::FileType::Other:
       break;
   }
-  return files->RemoveFileOrEmptyDirectory(path, nullptr);
+  const bool removed = files->RemoveFileOrEmptyDirectory(path, nullptr);
+  if (!removed) database.KeepFile();
+  return removed;
 }
 
 // False as well when the device throws, be it against its promise: of a deletion that failed the
 // core hears nothing more.
-bool RemoveDatabaseFile(const SystemInfoServiceInterface& systemInfo,
-                        const std::string& name) noexcept {
+bool RemoveDatabaseFile(const SystemInfoServiceInterface& systemInfo, const std::string& name,
+                        Database& database) noexcept {
   try {
-    return RemoveFile(PathIn(systemInfo.GetApplicationCacheDir(), name));
+    return RemoveFile(PathIn(systemInfo.GetApplicationCacheDir(), name), database);
   } catch (...) {
+    database.KeepFile();
     return false;
   }
 }
@@ -66,8 +70,7 @@ bool NativeDatabaseService::DeleteDatabase(const std::string& name) {
   const std::lock_guard lock(mutex_);
   const auto open = databases_.find(RemoveRelativePathComponent(name));
   if (open == databases_.end()) return false;
-  open->second->OutliveFile();
-  const bool removed = RemoveDatabaseFile(*systemInfoService_, open->first);
+  const bool removed = RemoveDatabaseFile(*systemInfoService_, open->first, *open->second);
   databases_.erase(open);
   return removed;
 }

@@ -40,6 +40,10 @@ void SqlDb::KeepJournalInMemory() {
   ::sqlite3_exec(connection_, "PRAGMA journal_mode=MEMORY", nullptr, nullptr, nullptr);
 }
 
+void SqlDb::KeepJournalBesideFile() {
+  ::sqlite3_exec(connection_, "PRAGMA journal_mode=DELETE", nullptr, nullptr, nullptr);
+}
+
 std::string SqlDb::ErrorMessage() const {
   return connection_ != nullptr ? ::sqlite3_errmsg(connection_) : ::sqlite3_errstr(openResult_);
 }

@@ -25,6 +25,9 @@ class SqlDb {
   // Does nothing when SQLite will not have it.
   void KeepJournalInMemory();
 
+  // As it is at first: the file survives a process that ends in the middle of a change.
+  void KeepJournalBesideFile();
+
   // What SQLite says about the last call on the connection.
   std::string ErrorMessage() const;
 

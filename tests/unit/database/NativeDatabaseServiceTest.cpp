@@ -39,6 +39,11 @@ class NativeDatabaseServiceTest : public testing::Test {
     EXPECT_TRUE(database.CreateTable("t", {"a"}, {Type::Text}, {{}}));
   }
 
+  // "delete" for one beside the file, which survives a process that ends in the middle of a change.
+  static std::string JournalOf(DatabaseInterface& database) {
+    return database.RunQuery(std::make_shared<Query>("pragma_journal_mode"))->GetString(0);
+  }
+
   void ExpectCannotOpen(const std::string& name, const std::string& shownName) {
     EXPECT_THAT(ErrorOf([&] { service_->OpenDatabase(name); }),
                 IsError(ErrorCodes::kDatabaseOpenError, "unable to open database file"));
@@ -184,6 +189,7 @@ TEST_F(NativeDatabaseServiceTest, LeavesADeletedDatabaseToWhoeverHoldsIt) {
   EXPECT_TRUE(database->Insert("t", {{"a", Variant::FromString("y")}}));
   EXPECT_TRUE(database->Delete("t", "a = ?", {"'x'"}));
   EXPECT_EQ(database->RunQuery(std::make_shared<Query>("t"))->GetString(0), "y");
+  EXPECT_EQ(JournalOf(*database), "memory");
   EXPECT_FALSE(FileExists("a"));
 }
 
@@ -216,6 +222,7 @@ TEST_F(NativeDatabaseServiceTest, ForgetsTheDatabaseWhereItsFileCannotBeRemoved)
   EXPECT_FALSE(service_->DeleteDatabase("a"));
   host_.fileManager->Heal();
   EXPECT_TRUE(FileExists("a"));
+  EXPECT_EQ(JournalOf(*database), "delete");
   EXPECT_NE(service_->OpenDatabase("a"), database);
 }
 
@@ -229,6 +236,7 @@ TEST_F(NativeDatabaseServiceTest, ForgetsTheDatabaseWhereTheDeviceThrows) {
   EXPECT_FALSE(service_->DeleteDatabase("a"));
   Platform::Host::Install(host_.Copy());
   EXPECT_TRUE(FileExists("a"));
+  EXPECT_EQ(JournalOf(*database), "delete");
   EXPECT_NE(service_->OpenDatabase("a"), database);
   EXPECT_TRUE(service_->DeleteDatabase("a"));
 }

@@ -91,6 +91,8 @@ TEST_F(NativeDataStoreTest, GivesTheFallbackForAMissingKey) {
 TEST_F(NativeDataStoreTest, NeverLetsIntegersFloatingNumbersAndBooleansStandInForOneAnother) {
   store_->SetInt("int", 1);
   EXPECT_FALSE(store_->GetBoolean("int", false));
+  store_->SetInt("zero", 0);
+  EXPECT_TRUE(store_->GetBoolean("zero", true));
   EXPECT_EQ(store_->GetDouble("int", 9), 9);
   EXPECT_EQ(store_->GetFloat("int", 9), 9);
   EXPECT_EQ(store_->GetString("int", "fallback"), "fallback");
