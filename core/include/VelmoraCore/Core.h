@@ -86,8 +86,8 @@ class VELMORA_CORE_API Core {
   // "external_module.event_source_not_supported", "external_module.event_data_not_supported".
   void DispatchEvent(const std::shared_ptr<Event>& event, std::function<void(SdkError&)> onError);
 
-  // The same, and calls `onResponse` once, with the first event that answers this one. It may be
-  // empty: then nobody waits for an answer.
+  // The same, and calls `onResponse` once, with the first event that answers this one.
+  // `onResponse` may be empty: then nobody waits for an answer.
   void DispatchEventWithResponseCallback(
       const std::shared_ptr<Event>& event,
       std::function<void(const std::shared_ptr<Event>&)> onResponse,

@@ -23,30 +23,30 @@ inline bool Writer<Platform::JsonTextStream>::WriteString(const char* text, Size
   return os_->PutQuoted({text, length});
 }
 
-// What comes before a key or a value. RapidJSON's own asks for room at each character. Knows blanks
-// and one element a line only; that the order makes sense is seen to by TextWriter.
+// The blanks at the start of a line; no other character indents.
+template <>
+inline void PrettyWriter<Platform::JsonTextStream>::WriteIndent() {
+  os_->Reserve(Platform::JsonTextStream::kMaximumBlanks);
+  os_->PutBlanksUnsafe(level_stack_.GetSize() / sizeof(Level) * indentCharCount_);
+}
+
+// What comes before a key or a value, with one element a line. RapidJSON's own asks for room at
+// each character. That the order makes sense is seen to by TextWriter.
 template <>
 inline void PrettyWriter<Platform::JsonTextStream>::PrettyPrefix(Type) {
   if (level_stack_.Empty()) return;
   Level& level = *level_stack_.Top<Level>();
   const bool isMemberValue = !level.inArray && level.valueCount % 2 == 1;
-  os_->Reserve(2 + Platform::JsonTextStream::kMaximumBlanks);
+  os_->Reserve(2);
   if (isMemberValue) {
     os_->PutUnsafe(':');
     os_->PutUnsafe(' ');
   } else {
     if (level.valueCount > 0) os_->PutUnsafe(',');
     os_->PutUnsafe('\n');
-    os_->PutBlanksUnsafe(level_stack_.GetSize() / sizeof(Level) * indentCharCount_);
+    WriteIndent();
   }
   ++level.valueCount;
-}
-
-// Before a bracket that closes a container that is not empty.
-template <>
-inline void PrettyWriter<Platform::JsonTextStream>::WriteIndent() {
-  os_->Reserve(Platform::JsonTextStream::kMaximumBlanks);
-  os_->PutBlanksUnsafe(level_stack_.GetSize() / sizeof(Level) * indentCharCount_);
 }
 
 }  // namespace rapidjson

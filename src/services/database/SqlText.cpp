@@ -1,5 +1,6 @@
 #include "services/database/SqlText.h"
 
+#include <functional>
 #include <string_view>
 
 namespace Velmora::SqlText {
@@ -7,14 +8,20 @@ namespace {
 
 constexpr std::string_view kSeparator = ", ";
 
+// Appends what `textOf` gives for each element, with separators between them.
+template <class Elements, class TextOf>
+void AppendList(const Elements& elements, std::string& sql, TextOf textOf) {
+  std::string_view separator;
+  for (const auto& element : elements) {
+    sql.append(separator).append(textOf(element));
+    separator = kSeparator;
+  }
+}
+
 std::string ColumnsOf(const Query& query) {
   if (query.GetColumns().empty()) return "*";
   std::string columns;
-  std::string_view separator;
-  for (const std::string& column : query.GetColumns()) {
-    columns.append(separator).append(column);
-    separator = kSeparator;
-  }
+  AppendList(query.GetColumns(), columns, std::identity());
   return columns;
 }
 
@@ -51,14 +58,10 @@ std::string TableExists(const std::string& table) {
 std::string Insert(const std::string& table,
                    const std::map<std::string, std::shared_ptr<Variant>>& values) {
   std::string sql = "INSERT INTO " + table + " (";
-  std::string placeholders;
-  std::string_view separator;
-  for (const auto& [column, value] : values) {
-    sql.append(separator).append(column);
-    placeholders.append(separator).append("?");
-    separator = kSeparator;
-  }
-  sql.append(") VALUES (").append(placeholders).append(");");
+  AppendList(values, sql, [](const auto& entry) { return std::string_view(entry.first); });
+  sql += ") VALUES (";
+  AppendList(values, sql, [](const auto&) { return "?"; });
+  sql += ");";
   return sql;
 }
 
@@ -66,11 +69,7 @@ std::string Update(const std::string& table,
                    const std::map<std::string, std::shared_ptr<Variant>>& values,
                    const std::string& whereClause, const std::vector<std::string>& whereArgs) {
   std::string sql = "Update " + table + " SET ";
-  std::string_view separator;
-  for (const auto& [column, value] : values) {
-    sql.append(separator).append(column).append("=?");
-    separator = kSeparator;
-  }
+  AppendList(values, sql, [](const auto& entry) { return entry.first + "=?"; });
   const std::string where = SubstituteArguments(whereClause, whereArgs);
   if (!where.empty()) sql.append(" WHERE ").append(where);
   return sql;
