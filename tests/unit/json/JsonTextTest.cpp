@@ -146,12 +146,13 @@ TEST_F(JsonTextTest, IndentsDeepContainersByNoMoreThan64Blanks) {
   std::string problem;
   const std::string text = WriteJson(value->GetVariantMap(), problem).value();
   std::string expected = "{";
-  const auto newLine = [](int level) {
-    return '\n' + std::string(static_cast<std::size_t>(std::min(2 * level, 64)), ' ');
+  const auto addLine = [&expected](int level, std::string_view line) {
+    expected.append("\n").append(static_cast<std::size_t>(std::min(2 * level, 64)), ' ');
+    expected.append(line);
   };
-  for (int level = 1; level < kDepth; ++level) expected += newLine(level) + "\"a\": {";
-  expected += newLine(kDepth) + "\"a\": 1";
-  for (int level = kDepth; level > 0; --level) expected += newLine(level - 1) + "}";
+  for (int level = 1; level < kDepth; ++level) addLine(level, "\"a\": {");
+  addLine(kDepth, "\"a\": 1");
+  for (int level = kDepth; level > 0; --level) addLine(level - 1, "}");
   EXPECT_EQ(text, expected);
 }
 
