@@ -1,5 +1,7 @@
 #include "support/FakeViews.h"
 
+#include "QEXCore_iOS/Platform/DeviceError.h"
+
 namespace TestSupport {
 
 std::optional<bool> FakeWebView::Navigate(const std::string& url) const {
@@ -23,6 +25,7 @@ void FakePanGestureRecognizer::Move(const Platform::Point& by) {
 }
 
 void FakeImageView::RemoveFromSuperview() {
+  if (cannotBeRemoved) throw Platform::DeviceError("The device failed.");
   if (const auto in = window.lock()) in->Remove(this);
   window.reset();
 }

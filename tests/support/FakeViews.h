@@ -79,6 +79,7 @@ class FakeImageView final : public Platform::ImageView {
   const Platform::ImageViewSettings settings;
   Platform::Rect frame;
   double alpha = 1;
+  bool cannotBeRemoved = false;
   std::weak_ptr<FakeWindow> window;
   std::vector<std::shared_ptr<Platform::GestureRecognizer>> recognizers;
 

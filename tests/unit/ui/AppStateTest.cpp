@@ -78,10 +78,13 @@ TEST_F(AppStateObserver, IgnoresALaunchForAChangeOfPlace) {
 
 TEST_F(AppStateObserver, IgnoresALaunchForADownload) {
   Register("a");
+  handler.handleAppNotification({Platform::kDidEnterBackgroundNotification, {}});
+  calls.clear();
   handler.handleAppNotification({Platform::kDidFinishLaunchingNotification,
                                  {{Platform::kLaunchOptionsNewsstandDownloadsKey, "download"}}});
   log.ExpectLine(LogLevel::Debug, "AppState",
                  "ignoring launch notification (triggered by a Newsstand download request)");
+  EXPECT_EQ(handler.getAppState(), AppState::Background);
   EXPECT_THAT(calls, IsEmpty());
 }
 

@@ -180,6 +180,14 @@ TEST_F(FloatingButton, IsLoggedWhenItCannotBeBuilt) {
   EXPECT_THAT(Window().subviews, IsEmpty());
 }
 
+TEST_F(FloatingButton, IsLoggedWhenItCannotBeRemoved) {
+  Display();
+  View().cannotBeRemoved = true;
+  button->Remove();
+  host.mainQueue->RunAll();
+  log.ExpectLine(LogLevel::Debug, "FloatingButton", "Unable to remove (The device failed.)");
+}
+
 TEST_F(FloatingButton, MayBeRemovedWithoutBeingDisplayed) {
   button->Remove();
   EXPECT_EQ(host.mainQueue->WaitingCount(), 0U);
