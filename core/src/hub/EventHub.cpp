@@ -282,6 +282,7 @@ std::optional<SdkError> EventHub::StartModule(const std::shared_ptr<ExternalModu
     return Disposed(__LINE__);
   } catch (const std::system_error& error) {
     modules_.Discard(host);
+    host->FinishRegistering();
     return SdkError(ErrorCodes::kStdException, error.what(), DebugInfo(kSourceLocation, __LINE__));
   }
 }

@@ -65,6 +65,10 @@ void ExternalModuleHost::Register() {
   Guard("OnRegister", [this] {
     module_->OnRegister(std::make_shared<ExternalModuleServices>(weak_from_this()));
   });
+  FinishRegistering();
+}
+
+void ExternalModuleHost::FinishRegistering() {
   std::vector<ListenerPointer> added;
   std::vector<std::function<void()>> whenRegistered;
   {

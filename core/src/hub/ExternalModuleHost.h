@@ -59,9 +59,12 @@ class ExternalModuleHost : public std::enable_shared_from_this<ExternalModuleHos
   Addition AddListener(std::shared_ptr<ExternalModuleListenerInterface> listener,
                        const std::string& topic);
 
-  // Calls `done`, on this or on the module's thread, when OnRegister has returned; never when the
-  // module was stopped before it was called.
+  // Calls `done`, on this or on the module's thread, when OnRegister has returned, or when there
+  // will be no registration; never when the module was stopped before.
   void CallWhenRegistered(std::function<void()> done);
+
+  // The module is registered, or will not be: nobody waits for that any longer.
+  void FinishRegistering();
 
   // The module leaves: it hears nothing more, and no listener is added any more.
   void Deactivate();

@@ -1,6 +1,7 @@
 // Modules on a device that has no thread left. Each test runs in a process of its own, which can
 // have no further thread at all after a while.
 
+#include <atomic>
 #include <cerrno>
 #include <functional>
 #include <memory>
@@ -61,6 +62,12 @@ TEST(NoMoreThreads, AModuleThatCannotFollowItsPredecessorIsTold) {
   EXPECT_TRUE(PassesInChild([] {
     TestSupport::LogCapture log(Velmora::LoggingMode::Debug);
     const auto hub = StartedHub();
+    const auto witness = std::make_shared<RecordingListener>();
+    const auto other = std::make_shared<RecordingModule>("other");
+    other->onRegister = [witness](const ModuleServices& services) {
+      services->RegisterListener(witness, "test.type", "test.source");
+    };
+    EXPECT_FALSE(hub->RegisterModule(other));
     const auto gate = std::make_shared<Gate>();
     const auto former = std::make_shared<RecordingModule>("module");
     former->onUnregister = [gate] { gate->Pass(); };
@@ -70,12 +77,18 @@ TEST(NoMoreThreads, AModuleThatCannotFollowItsPredecessorIsTold) {
     gate->AwaitArrivals();
     auto successor = std::make_shared<RecordingModule>("module");
     EXPECT_FALSE(hub->RegisterModule(successor)) << "it waits for its predecessor's end";
+    std::atomic<bool> isFollowerCalled = false;
+    hub->PostAndFollow(NewEvent("follow"), [&isFollowerCalled] { isFollowerCalled = true; });
+    hub->Post(NewEvent("next"));
+    EXPECT_TRUE(witness->WaitForCount(2)) << "the event and the one after it have been handled";
     ASSERT_TRUE(RefuseThreads());
     log.ExpectLine(LogLevel::Error, "EventHub", StartsWith("module module could not be started: "));
     gate->Open();
     EXPECT_TRUE(successor->WaitForCalls({"error std.exception"}));
     EXPECT_TRUE(TestSupport::WaitUntil([&] { return successor.use_count() == 1; }))
         << "the hub holds it no longer";
+    EXPECT_TRUE(TestSupport::WaitUntil([&] { return isFollowerCalled.load(); }))
+        << "nobody waits for it any more";
     EXPECT_TRUE(hub->RegisterModule(former).has_value());
     hub->Dispose(std::chrono::seconds(10));
     EXPECT_EQ(successor->Calls(), Calls{"error std.exception"});
