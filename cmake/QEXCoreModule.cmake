@@ -24,6 +24,32 @@ function(qexcore_module name)
   set_property(GLOBAL APPEND PROPERTY QEXCORE_BORROWED ${ARG_BORROWS})
 endfunction()
 
+# qexcore_offer(<name> <short name>)
+#
+# Makes the shared library <name> of this folder what others link as QEXCore::<short name>: with the
+# public headers, a version, and the exports that exports.map beside its CMakeLists.txt allows.
+function(qexcore_offer name short_name)
+  add_library(QEXCore::${short_name} ALIAS ${name})
+  # Standard-library templates come out with default visibility; the script keeps the exports to
+  # what is offered.
+  set(exports ${CMAKE_CURRENT_SOURCE_DIR}/exports.map)
+  set_target_properties(${name} PROPERTIES
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} LINKER_LANGUAGE CXX
+    EXPORT_NAME ${short_name}
+    # The libraries that it needs lie beside it.
+    INSTALL_RPATH "$ORIGIN"
+    LINK_DEPENDS ${exports})
+  target_include_directories(${name} PUBLIC
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  target_compile_features(${name} PUBLIC cxx_std_20)
+  target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:QEXCoreBuildFlags>)
+  target_link_options(${name} PRIVATE LINKER:--version-script=${exports})
+  if(NOT QEXCORE_SANITIZERS)  # clang puts their runtime into the programs
+    target_link_options(${name} PRIVATE LINKER:--no-undefined)
+  endif()
+endfunction()
+
 # Lets a target use the standard headers that are precompiled once for all, where that was chosen.
 function(qexcore_precompile target)
   if(QEXCORE_PRECOMPILED_HEADERS)
