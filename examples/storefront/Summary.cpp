@@ -1,6 +1,7 @@
 #include "Summary.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>
@@ -51,7 +52,8 @@ std::string Joined(const std::vector<std::string>& texts) {
 }
 
 std::string DateOf(const std::string& secondsSince1970) {
-  const std::time_t time = std::atoll(secondsSince1970.c_str());
+  std::time_t time = 0;
+  std::from_chars(secondsSince1970.data(), secondsSince1970.data() + secondsSince1970.size(), time);
   if (time <= 0) return {};
   std::ostringstream text;
   text << std::put_time(std::gmtime(&time), "%F");

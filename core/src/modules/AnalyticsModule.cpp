@@ -20,9 +20,9 @@ constexpr const char* kMaxAgeKey = "analytics.maxAge";
 constexpr std::int64_t kDefaultTimeout = 15;
 constexpr StateReader::Range kTimeoutRange{1, 300};
 constexpr StateReader::Range kMaxHitsRange{1, 100'000};
-constexpr StateReader::Range kMaxAgeRange{60, 365 * 24 * 3600};
+constexpr StateReader::Range kMaxAgeRange{60, std::int64_t{365} * 24 * 3600};
 
-constexpr std::size_t kMaxHitBytes = 64 * 1024;
+constexpr std::size_t kMaxHitBytes = std::size_t{64} * 1024;
 constexpr std::size_t kMaxPending = 100;
 
 std::int64_t Milliseconds(Event::Clock::time_point time) {

@@ -1,5 +1,7 @@
 #include "modules/FolderTree.h"
 
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "VelmoraCore/TryCatch.h"
@@ -23,9 +25,10 @@ bool DeleteUnguarded(FileSystemServiceInterface& files, const std::string& path)
     }
     folders.back().isEmptied = true;
     for (const std::string& name : files.GetDirectoryContents(current)) {
-      const std::string item = current + files.GetPathSeparator() + name;
+      std::string item = current;
+      item.append(files.GetPathSeparator()).append(name);
       if (files.IsDirectory(item)) {
-        folders.push_back({item});
+        folders.push_back({std::move(item)});
       } else if (!files.DeleteFile(item)) {
         return false;
       }

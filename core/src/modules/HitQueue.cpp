@@ -19,9 +19,9 @@ constexpr std::int64_t kInMemory = 0;
 
 // One row, and so one write to the disk, for so many hits or bytes.
 constexpr std::size_t kMaxHitsInRow = 100;
-constexpr std::size_t kMaxBytesInRow = 256 * 1024;
+constexpr std::size_t kMaxBytesInRow = std::size_t{256} * 1024;
 
-constexpr std::size_t kMaxBytesInMemory = 8 * 1024 * 1024;
+constexpr std::size_t kMaxBytesInMemory = std::size_t{8} * 1024 * 1024;
 
 }  // namespace
 

@@ -17,7 +17,7 @@ constexpr const char* kStoreName = "KorvoMobile_Lifecycle";
 constexpr const char* kLaunchAction = "lifecycle";
 constexpr const char* kTimeoutKey = "lifecycle.sessionTimeout";
 constexpr std::int64_t kDefaultTimeout = 300;
-constexpr StateReader::Range kTimeoutRange{0, 7 * 24 * 3600};
+constexpr StateReader::Range kTimeoutRange{0, std::int64_t{7} * 24 * 3600};
 
 }  // namespace
 

@@ -21,7 +21,7 @@ std::shared_ptr<Variant> Number(std::int64_t number) {
 }
 
 std::shared_ptr<Variant> Days(std::int64_t from, std::int64_t to) {
-  constexpr std::int64_t kSecondsOfDay = 24 * 3600;
+  constexpr std::int64_t kSecondsOfDay = std::int64_t{24} * 3600;
   return Number(std::max<std::int64_t>((to - from) / kSecondsOfDay, 0));
 }
 

@@ -71,7 +71,7 @@ MessageConsequence ReadMessage(MemberReader& reader) {
 }
 
 NotificationConsequence ReadNotification(MemberReader& reader) {
-  constexpr std::int64_t kYear = 366 * 24 * 3600;
+  constexpr std::int64_t kYear = std::int64_t{366} * 24 * 3600;
   NotificationConsequence notification{.text = Text(reader, "text", Need::Required),
                                        .delay = reader.WholeNumber("delay", 0, kYear).value_or(0),
                                        .sound = Text(reader, "sound"),

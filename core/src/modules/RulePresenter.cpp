@@ -79,7 +79,7 @@ std::optional<std::string> RulePresenter::HtmlOf(const MessageConsequence& messa
     problem = encoding == nullptr ? "there is no encoding service" : "it is no text in base64";
     return std::nullopt;
   }
-  constexpr std::int64_t kMaxBytes = 4 * 1024 * 1024;
+  constexpr std::int64_t kMaxBytes = std::int64_t{4} * 1024 * 1024;
   const std::string path = folder + '/' + message.html;
   std::optional<std::string> html =
       TextFile::Read(*hub_.Services().GetFileSystemService(), path, kMaxBytes, problem);

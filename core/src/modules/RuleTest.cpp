@@ -166,7 +166,7 @@ bool RuleTest::IsOrdered(const FieldValue& found) const {
   const std::optional<Number> right = NumberOf(ValueOf(*wanted_));
   if (!left || !right) return false;
   const std::partial_ordering order = Compare(*left, *right);
-  return comparison_ == Comparison::Greater ? order > 0 : order < 0;
+  return comparison_ == Comparison::Greater ? std::is_gt(order) : std::is_lt(order);
 }
 
 }  // namespace Velmora

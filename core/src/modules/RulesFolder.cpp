@@ -18,7 +18,7 @@ using Problem = std::string;
 constexpr const char* kLogTag = "Rules";
 constexpr const char* kRoot = "/velmorarules";
 constexpr const char* kRulesFile = "rules.json";
-constexpr std::int64_t kMaxBytes = 1024 * 1024;
+constexpr std::int64_t kMaxBytes = std::int64_t{1024} * 1024;
 
 bool IsName(const std::string& folder) {
   return !folder.empty() &&
