@@ -26,6 +26,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
+using testing::UnorderedElementsAreArray;
 using TestSupport::FileSizeLimit;
 using TestSupport::ReadFileBytes;
 
@@ -72,6 +73,19 @@ TEST_F(SqliteUserDefaultsUnusableFiles, AreMovedAsideWhenTheyAreNoDatabases) {
     ExpectToWork(*defaults);
     fs::remove_all(Folder());
   }
+}
+
+TEST_F(SqliteUserDefaultsUnusableFiles, AreAllKeptWhenOneFollowsAnotherAtOnce) {
+  const std::vector<std::string> contents = {"first damage", "second damage", "third damage"};
+  for (const std::string& damaged : contents) {
+    fs::remove(StandardPath() + "-wal");  // it would repair the file
+    directory_.WriteFile("defaults/standard.db", damaged);
+    EXPECT_TRUE(NewStandard()->ObjectForKey("k").IsAbsent());
+    ExpectTheLineOfAFileMovedAside("file is not a database");
+  }
+  std::vector<std::string> kept;
+  for (const std::string& file : FilesMovedAside()) kept.push_back(ReadFileBytes(file));
+  EXPECT_THAT(kept, UnorderedElementsAreArray(contents));
 }
 
 TEST_F(SqliteUserDefaultsUnusableFiles, AreMovedAsideWhenTheyAreOtherDatabases) {
