@@ -112,6 +112,21 @@ class UrlSessionContractTest : public testing::Test {
     Answer([](const Seen&) { return Reply{200, "hello", {}}; });
   }
 
+  // What the server sees of a POST.
+  Seen SeenOfPost(const std::string& body, const std::vector<Platform::UrlHeader>& headers) {
+    const auto seen = std::make_shared<TestSupport::Guarded<Seen>>();
+    Answer([seen](const Seen& request) {
+      seen->Set(request);
+      return Reply{};
+    });
+    UrlRequest request = RequestFor(peer_->Url());
+    request.method = "POST";
+    request.body = body;
+    request.headers = headers;
+    EXPECT_THAT(Fetch(*session_, request), Brings(200, ""));
+    return seen->Get();
+  }
+
   std::atomic<int> arrived_{0};
   std::unique_ptr<Peer> peer_;
   std::unique_ptr<Platform::UrlSession> session_;
@@ -138,37 +153,21 @@ TYPED_TEST(UrlSessionContractTest, DeliversAnErrorStatusAsAResponse) {
 }
 
 TYPED_TEST(UrlSessionContractTest, SendsMethodHeadersAndBody) {
-  TestSupport::Guarded<Seen> seen;
-  this->Answer([&seen](const Seen& request) {
-    seen.Set(request);
-    return Reply{};
-  });
-  UrlRequest request = RequestFor(this->peer_->Url());
-  request.method = "POST";
-  request.body = "{\"hits\": 1}";
-  request.headers = {{"User-Agent", "shop"}, {"X-Empty", ""}, {"X-Tab", "a\tb"}};
-  EXPECT_THAT(Fetch(*this->session_, request), Brings(200, ""));
-  EXPECT_EQ(seen.Get().method, "POST");
-  EXPECT_EQ(seen.Get().body, "{\"hits\": 1}");
-  EXPECT_EQ(seen.Get().headers.at("user-agent"), "shop");
-  EXPECT_EQ(seen.Get().headers.at("x-empty"), "");
-  EXPECT_EQ(seen.Get().headers.at("x-tab"), "a\tb");
+  const Seen seen = this->SeenOfPost("{\"hits\": 1}",
+                                     {{"User-Agent", "shop"}, {"X-Empty", ""}, {"X-Tab", "a\tb"}});
+  EXPECT_EQ(seen.method, "POST");
+  EXPECT_EQ(seen.body, "{\"hits\": 1}");
+  EXPECT_EQ(seen.headers.at("user-agent"), "shop");
+  EXPECT_EQ(seen.headers.at("x-empty"), "");
+  EXPECT_EQ(seen.headers.at("x-tab"), "a\tb");
 }
 
 TYPED_TEST(UrlSessionContractTest, LeavesOutTheConnectionsOwnHeaders) {
-  TestSupport::Guarded<Seen> seen;
-  this->Answer([&seen](const Seen& request) {
-    seen.Set(request);
-    return Reply{};
-  });
-  UrlRequest request = RequestFor(this->peer_->Url());
-  request.method = "POST";
-  request.body = "four";
-  request.headers = {{"content-length", "99"}, {"Transfer-Encoding", "chunked"}, {"TE", "gzip"}};
-  EXPECT_THAT(Fetch(*this->session_, request), Brings(200, ""));
-  EXPECT_FALSE(seen.Get().headers.contains("transfer-encoding"));
-  EXPECT_FALSE(seen.Get().headers.contains("te"));
-  EXPECT_EQ(seen.Get().body, "four");
+  const Seen seen = this->SeenOfPost(
+      "four", {{"content-length", "99"}, {"Transfer-Encoding", "chunked"}, {"TE", "gzip"}});
+  EXPECT_FALSE(seen.headers.contains("transfer-encoding"));
+  EXPECT_FALSE(seen.headers.contains("te"));
+  EXPECT_EQ(seen.body, "four");
 }
 
 TYPED_TEST(UrlSessionContractTest, RefusesHeadersThatWouldBecomeSeveral) {

@@ -7,6 +7,7 @@
 #include "QEXCore_iOS/Platform/Host.h"
 #include "VelmoraCore/SdkError.h"
 #include "interop/VariantConversion.h"
+#include "platform/linux/DeafJsonVisitor.h"
 #include "services/json/JsonText.h"
 #include "services/json/NativeJsonArray.h"
 #include "services/json/NativeJsonObject.h"
@@ -22,21 +23,6 @@ using Platform::Value;
 using namespace Velmora;
 
 constexpr const char* kErrorCode = "json.serialization_error";
-
-// Hears everything and keeps nothing.
-class DeafVisitor : public Platform::JsonVisitor {
- public:
-  void BeginObject() override {}
-  void EndObject() override {}
-  void BeginArray() override {}
-  void EndArray() override {}
-  void Key(std::string_view) override {}
-  void String(std::string_view) override {}
-  void Integer(std::int64_t) override {}
-  void Double(double) override {}
-  void Boolean(bool) override {}
-  void Null() override {}
-};
 
 // The object or array of the text; empty when it is refused, and then `problem` tells when the
 // error is not the one that is promised.
@@ -153,7 +139,7 @@ std::string CheckPaths(std::string_view text) {
   Error valueError;
   const Value value = json->Parse(text, &valueError);
   Error visitorError;
-  DeafVisitor visitor;
+  Platform::DeafJsonVisitor visitor;
   if (json->Parse(text, visitor, &visitorError) == value.IsAbsent()) return "only one way reads it";
   if (valueError != visitorError) return "the two ways tell different errors";
   if (value.IsAbsent() == valueError.LocalizedDescription().empty()) return "an error, or none";

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/linux/DeafJsonVisitor.h"
 #include "platform/linux/JsonTextReader.h"
 #include "platform/linux/JsonTextWriter.h"
 #include "platform/linux/JsonValueBuilder.h"
@@ -9,21 +10,6 @@
 
 namespace Platform {
 namespace {
-
-// Hears everything and keeps nothing.
-class DeafVisitor : public JsonVisitor {
- public:
-  void BeginObject() override {}
-  void EndObject() override {}
-  void BeginArray() override {}
-  void EndArray() override {}
-  void Key(std::string_view) override {}
-  void String(std::string_view) override {}
-  void Integer(std::int64_t) override {}
-  void Double(double) override {}
-  void Boolean(bool) override {}
-  void Null() override {}
-};
 
 void Store(Error* error, int code, std::string description) {
   if (error == nullptr) return;
@@ -49,7 +35,7 @@ bool LinuxJsonSerialization::Parse(std::string_view text, JsonVisitor& visitor,
 }
 
 bool LinuxJsonSerialization::IsValidJsonObject(const Value& value) const {
-  DeafVisitor visitor;
+  DeafJsonVisitor visitor;
   return TellJsonValue(value, visitor) == nullptr;
 }
 
