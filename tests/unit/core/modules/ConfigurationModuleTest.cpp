@@ -138,6 +138,16 @@ TEST_F(ConfigurationModuleTest, IgnoresStoredTextThatIsNoJsonObject) {
   EXPECT_EQ(StateOf("configuration"), R"({"kept":"yes","privacyStatus":2})");
 }
 
+TEST_F(ConfigurationModuleTest, BeginsWithNothingWhenWhatIsStoredCannotBeShared) {
+  const auto store = services->localStorage->GetDataStore("KorvoMobile_ConfigState");
+  store->SetString("FileConfiguration", R"({"list":[null]})");
+  log.ExpectLine(LogLevel::Error, "Configuration", HasSubstr("the configuration cannot be shared"));
+  StartCore();
+  core->UpdateConfiguration({{"new", Variant::FromString("yes")}});
+  Settle();
+  EXPECT_EQ(StateOf("configuration"), R"({"new":"yes","privacyStatus":2})");
+}
+
 TEST_F(ConfigurationModuleTest, WorksWithoutADataStore) {
   services->localStorage = nullptr;
   log.AllowLines(LogLevel::Warning, "Identity", testing::_);
