@@ -41,7 +41,7 @@ std::string InfoText(const std::string& key) {
 std::string ChooseCacheDirectory(Platform::FileManager& files) {
   const std::optional<std::string>& group = AppInfo::GetAppGroup();
   if (group) {
-    const std::string container = TextOf(files.GroupContainerDirectory(*group));
+    std::string container = TextOf(files.GroupContainerDirectory(*group));
     if (!container.empty()) return container;
   }
   return TextOf(files.CachesDirectory());
@@ -130,7 +130,7 @@ std::string NativeSystemInfoService::GetProperty(const std::string& key) const {
 
 std::string NativeSystemInfoService::GetApplicationName() const {
   for (const char* key : {"CFBundleName", "CFBundleDisplayName"}) {
-    const std::string name = InfoText(key);
+    std::string name = InfoText(key);
     if (!name.empty()) return name;
   }
   Log::Error(LogTag(),
