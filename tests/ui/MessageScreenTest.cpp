@@ -9,12 +9,8 @@
 
 namespace {
 
-using testing::AllOf;
-using testing::Contains;
 using testing::ElementsAre;
-using testing::Gt;
 using testing::IsEmpty;
-using testing::Lt;
 using TestSupport::LogLevel;
 using TestSupport::Until;
 
@@ -46,9 +42,8 @@ TEST_F(MessageOnScreen, SlidesInFromBelowAndOutAgain) {
     watch();
     return !places.empty() && places.back() == 0;
   }));
-  const double height = ContentHeight();
-  EXPECT_EQ(places.front(), height);
-  EXPECT_THAT(places, Contains(AllOf(Gt(0), Lt(height))));
+  EXPECT_EQ(places.front(), ContentHeight());
+  EXPECT_GT(places.size(), 4U);
   EXPECT_TRUE(std::is_sorted(places.rbegin(), places.rend()));
   places.clear();
   message->Remove();
@@ -56,7 +51,7 @@ TEST_F(MessageOnScreen, SlidesInFromBelowAndOutAgain) {
     watch();
     return WebView() == nullptr;
   }));
-  EXPECT_THAT(places, Contains(AllOf(Gt(0), Lt(height))));
+  EXPECT_GT(places.size(), 4U);
   EXPECT_TRUE(std::is_sorted(places.begin(), places.end()));
   EXPECT_TRUE(UntilHeard("dismiss"));
 }
